@@ -1,0 +1,16 @@
+#pragma once
+
+#include <exception>
+
+#include "dt3Library/Export.h"
+
+namespace VARN3D {
+
+/// What the library throws when one of its checks fails. The details have then been printed on
+/// standard output.
+class VARN3D_EXPORT VarnException : public std::exception {
+  public:
+    const char* what() const noexcept override;
+};
+
+}  // namespace VARN3D

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "dt3Library/Export.h"
+
+namespace VARN3D {
+
+/// A direction in space: the difference of two points.
+class VARN3D_EXPORT Vector3 {
+  public:
+    Vector3() : Vector3(0.0, 0.0, 0.0) {}
+    Vector3(double x, double y, double z) : xx(x), yy(y), zz(z) {}
+
+    double x() const { return xx; }
+    double y() const { return yy; }
+    double z() const { return zz; }
+
+  private:
+    double xx;
+    double yy;
+    double zz;
+};
+
+/// v scaled to length 1. A vector of length 0 gives (0, 0, 0) and a warning line on standard
+/// output.
+VARN3D_EXPORT Vector3 normalize(const Vector3& v);
+
+}  // namespace VARN3D
