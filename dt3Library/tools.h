@@ -22,12 +22,13 @@ inline bool range02(int ith) { return ith >= 0 && ith <= 2; }
 
 }  // namespace VARN3D
 
-/// Checks a condition in every build.
-#define varnAssert(condition) varnAssertIn(condition, __FILE__, __LINE__)
+/// Checks a condition in every build; a failure is reported under the condition's source text.
+#define varnAssert(condition) varnAssertAt(condition, #condition, __FILE__, __LINE__)
 
-/// The same, under a line number that names the check in every version of the library.
-#define varnAssertLine(condition, line) varnAssertIn(condition, __FILE__, line)
+/// The same under a text of its own, which no formatting of the source can change.
+#define varnAssertText(condition, text) varnAssertAt(condition, text, __FILE__, __LINE__)
 
-/// The same, where the check belongs to another file than the one that makes it.
-#define varnAssertIn(condition, file, line) \
-    ((condition) ? static_cast<void>(0) : ::VARN3D::conditionFailed(#condition, file, line))
+/// The same where the check has a fixed place: a file and line that name it in every version of
+/// the library, wherever it stands today.
+#define varnAssertAt(condition, text, file, line) \
+    ((condition) ? static_cast<void>(0) : ::VARN3D::conditionFailed(text, file, line))
