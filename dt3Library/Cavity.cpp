@@ -1,0 +1,340 @@
+#include "dt3Library/Cavity.h"
+
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+#include <limits>
+
+#include "dt3Library/EngineCheck.h"
+#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/Profile.h"
+
+namespace VARN3D {
+
+namespace {
+
+/// The corners 1, 2, 3 of the new tetrahedron on facet ith of an old one, seen from inside.
+constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
+/// The same seen from outside.
+constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
+
+#if defined(__GNUC__)
+inline void prefetch(const void* address) {
+    __builtin_prefetch(address);
+}
+#else
+inline void prefetch(const void*) {}
+#endif
+
+int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
+    int j = 0;
+    while (j < 3 && MeshAccess::neighbour(tet, j) != neighbour) ++j;
+    return j;
+}
+
+}  // namespace
+
+Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
+    : predicates(geomTest), tets(recycler) {
+    rows.reserve(256);
+    stack.reserve(256);
+    boundary.reserve(256);
+}
+
+void Cavity::begin(Point3* p) {
+    newVertex = p;
+    rows.clear();
+    maxX = maxY = maxZ = maxLift = 0.0;
+    gluing.begin();
+    tets.swapLists();
+}
+
+// ---- Rows and bounds ---------------------------------------------------------------------------
+
+inline int Cavity::numberOf(Point3* vertex) {
+    const int number = MeshAccess::cavityNumber(vertex);
+    // A number left by another insertion names another vertex or none.
+    if (static_cast<std::size_t>(number) < rows.size() &&
+        rows[static_cast<std::size_t>(number)].vertex == vertex)
+        return number;
+    return addRow(vertex);
+}
+
+int Cavity::addRow(Point3* vertex) {
+    const double x = vertex->x() - newVertex->x();
+    const double y = vertex->y() - newVertex->y();
+    const double z = vertex->z() - newVertex->z();
+    const double lift = x * x + y * y + z * z;
+    const int number = static_cast<int>(rows.size());
+    rows.push_back({x, y, z, lift, vertex});
+    MeshAccess::cavityNumber(vertex) = number;
+    const double sizeX = std::fabs(x);
+    const double sizeY = std::fabs(y);
+    const double sizeZ = std::fabs(z);
+    maxX = maxX < sizeX ? sizeX : maxX;
+    maxY = maxY < sizeY ? sizeY : maxY;
+    maxZ = maxZ < sizeZ ? sizeZ : maxZ;
+    maxLift = maxLift < lift ? lift : maxLift;
+    return number;
+}
+
+/// The determinants below are Shewchuk's first stage, so his bounds hold with every term of the
+/// permanent replaced by the product of the largest components: 24 terms of the sphere test, 6 of
+/// the orientation. They hold as long as nothing underflows or overflows. With differences below
+/// 2^200 nothing overflows, and each of the fewer than 200 products that underflow adds at most
+/// 2^-1074 times a remaining factor below 2^602: far less than the 2^-400 that is added here.
+/// Larger differences leave everything to the predicates.
+void Cavity::updateBounds() {
+    constexpr double UNDERFLOW_GUARD = 0x1p-400;
+    constexpr double MAX_LIFT = 0x1p400;
+    if (!(maxLift < MAX_LIFT)) {
+        sphereBound = orientationBound = std::numeric_limits<double>::infinity();
+        return;
+    }
+    const PredicateConstants& constants = predicates.getConstants();
+    const double volume = maxX * maxY * maxZ;
+    orientationBound = 8.0 * constants.o3derrboundA * volume + UNDERFLOW_GUARD;
+    sphereBound = 32.0 * constants.isperrboundA * volume * maxLift + UNDERFLOW_GUARD;
+}
+
+inline Cavity::SphereTest Cavity::evaluate(Tet3* tet) {
+    VARN3D_COUNT(sphereTests, 1);
+    const auto numberA = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 0)));
+    const auto numberB = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 1)));
+    const auto numberC = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 2)));
+    const auto numberD = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 3)));
+    const Row& a = rows[numberA];
+    const Row& b = rows[numberB];
+    const Row& c = rows[numberC];
+    const Row& d = rows[numberD];
+    const double ab = a.x * b.y - b.x * a.y;
+    const double bc = b.x * c.y - c.x * b.y;
+    const double cd = c.x * d.y - d.x * c.y;
+    const double da = d.x * a.y - a.x * d.y;
+    const double ac = a.x * c.y - c.x * a.y;
+    const double bd = b.x * d.y - d.x * b.y;
+    const double abc = a.z * bc - b.z * ac + c.z * ab;
+    const double bcd = b.z * cd - c.z * bd + d.z * bc;
+    const double cda = c.z * da + d.z * ac + a.z * cd;
+    const double dab = d.z * ab + a.z * bd + b.z * da;
+    return {(d.lift * abc - c.lift * dab) + (b.lift * cda - a.lift * bcd), {bcd, -cda, dab, -abc}};
+}
+
+inline bool Cavity::isInConflict(Tet3* tet, const SphereTest& test) {
+    if (test.determinant > sphereBound) return false;
+    if (test.determinant < -sphereBound) return true;
+    VARN3D_COUNT(sphereTestsBeyondBound, 1);
+    return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
+}
+
+inline void Cavity::doom(Tet3* tet) {
+    VARN3D_COUNT(doomed, 1);
+    MeshAccess::visited(tet) = true;
+    tets.release(tet);
+}
+
+// ---- A vertex inside the hull ------------------------------------------------------------------
+
+Tet3* Cavity::refillFrom(Tet3* start) {
+    {
+        VARN3D_TIME(secondsConflict);
+        growRegionAndBoundary(start);
+    }
+    VARN3D_TIME(secondsCreation);
+    Tet3* last = fillBoundary();
+    const std::size_t numStoredTCS = glue();
+    if (numStoredTCS != 0)
+        std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
+    engineCheck(numStoredTCS == 0, "numStoredTCS==0", 920);
+    return last;
+}
+
+void Cavity::growRegionAndBoundary(Tet3* start) {
+    boundary.clear();
+    stack.clear();
+    const SphereTest test = evaluate(start);
+    doom(start);
+    stack.push_back(
+        {start,
+         {test.orientation[0], test.orientation[1], test.orientation[2], test.orientation[3]}});
+    while (!stack.empty()) {
+        const Doomed current = stack.back();
+        stack.pop_back();
+        visitNeighbours(current);
+    }
+}
+
+/// Evaluates the tests of all neighbours before it decides any: the evaluations don't depend on
+/// each other, and their memory accesses overlap.
+inline void Cavity::visitNeighbours(const Doomed& current) {
+    SphereTest tests[4];
+    for (int i = 3; i >= 0; --i) {
+        Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
+        if (neighbour != nullptr && !MeshAccess::visited(neighbour)) tests[i] = evaluate(neighbour);
+    }
+    updateBounds();
+    for (int i = 3; i >= 0; --i) {
+        Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
+        if (neighbour != nullptr) {
+            if (MeshAccess::visited(neighbour)) continue;
+            const SphereTest& test = tests[i];
+            if (isInConflict(neighbour, test)) {
+                doom(neighbour);
+                for (int k = 0; k < 4; ++k) {
+                    const Tet3* next = MeshAccess::neighbour(neighbour, k);
+                    prefetch(next);
+                    prefetch(reinterpret_cast<const char*>(next) + 64);
+                }
+                stack.push_back({neighbour,
+                                 {test.orientation[0], test.orientation[1], test.orientation[2],
+                                  test.orientation[3]}});
+                continue;
+            }
+        }
+        boundary.push_back({current.tet, neighbour, current.orientation[i], i});
+    }
+}
+
+/// A new tetrahedron of p and three other vertices, without check.
+inline Tet3* Cavity::newTet(Point3* b, Point3* c, Point3* d) {
+    VARN3D_COUNT(created, 1);
+    Tet3* tet = tets.take();
+    tet->setProperties(newVertex, b, c, d);
+    gluing.add(tet, numberOf(b), numberOf(c), numberOf(d));
+    return tet;
+}
+
+Tet3* Cavity::fillBoundary() {
+    Tet3* last = nullptr;
+    for (const BoundaryFacet& facet : boundary) {
+        const int* corners = INNER_FACET[facet.ith];
+        Point3* b = MeshAccess::corner(facet.inner, corners[0]);
+        Point3* c = MeshAccess::corner(facet.inner, corners[1]);
+        Point3* d = MeshAccess::corner(facet.inner, corners[2]);
+        if (!(facet.orientation > orientationBound)) checkOrientation(newVertex, b, c, d);
+        last = newTet(b, c, d);
+        if (facet.outer != nullptr)
+            registerTets(last, 0, facet.outer, indexOfNeighbour(facet.outer, facet.inner));
+    }
+    return last;
+}
+
+// ---- A vertex outside the hull -----------------------------------------------------------------
+
+void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying,
+                  std::vector<Tet3*>& vDoomed) {
+    const auto isInConflictNow = [this](Tet3* tet) {
+        const SphereTest test = evaluate(tet);
+        updateBounds();
+        return isInConflict(tet, test);
+    };
+    for (Tet3* seed : vSeeds) {
+        if (isInConflictNow(seed)) {
+            doom(seed);
+            vDoomed.push_back(seed);
+        } else {
+            vStaying.push_back(seed);
+        }
+    }
+    std::vector<Tet3*> pending(vDoomed);
+    while (!pending.empty()) {
+        Tet3* tet = pending.back();
+        pending.pop_back();
+        for (int ith = 0; ith < 4; ++ith) {
+            Tet3* neighbour = MeshAccess::neighbour(tet, ith);
+            if (neighbour == nullptr || MeshAccess::visited(neighbour)) continue;
+            if (!isInConflictNow(neighbour)) continue;
+            doom(neighbour);
+            vDoomed.push_back(neighbour);
+            pending.push_back(neighbour);
+        }
+    }
+}
+
+Tet3* Cavity::fanOverHull(const std::vector<Tet3*>& vStaying) {
+    if (vStaying.empty()) return nullptr;
+    Tet3* pNewTet = nullptr;
+    for (Tet3* hullTet : vStaying) {
+        engineCheck(!MeshAccess::visited(hullTet), "!pCHTet->hasBeenVisited", 1104);
+        for (int ith = 0; ith < 4; ++ith) {
+            if (MeshAccess::neighbour(hullTet, ith) != nullptr) continue;
+            const Orientation3 orient = predicates.getOrientation3(hullTet, ith, newVertex);
+            if (orient == ORIENTATION3_POSITIVE || orient == ORIENTATION3_COPLANAR) continue;
+            engineCheck(orient == ORIENTATION3_NEGATIVE, "orient==ORIENTATION3_NEGATIVE", 1112);
+            // The facet was just seen from outside, so the new tetrahedron is positive.
+            const int* corners = OUTER_FACET[ith];
+            pNewTet = newTet(MeshAccess::corner(hullTet, corners[0]),
+                             MeshAccess::corner(hullTet, corners[1]),
+                             MeshAccess::corner(hullTet, corners[2]));
+            registerTets(pNewTet, 0, hullTet, ith);
+        }
+    }
+    engineCheck(pNewTet != nullptr, "pNewTet!=0", 1130);
+    return pNewTet;
+}
+
+Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
+    if (vDoomed.empty()) {
+        std::cout << "Warning: vDoomedTets() without input tets, returning NULL" << std::endl;
+        engineCheck(false, "false", 1012);
+    }
+    Tet3* pNewTet = nullptr;
+    for (Tet3* doomed : vDoomed) {
+        engineCheck(MeshAccess::visited(doomed), "pDoomedTet->hasBeenVisited", 1020);
+        for (int ith = 0; ith < 4; ++ith) {
+            Tet3* pOppTet = MeshAccess::neighbour(doomed, ith);
+            if (pOppTet != nullptr && MeshAccess::visited(pOppTet)) continue;
+            // A facet that p sees from outside or edge-on can't carry a tetrahedron.
+            if (predicates.getOrientation3(doomed, ith, newVertex) != ORIENTATION3_POSITIVE)
+                continue;
+            const int* corners = INNER_FACET[ith];
+            pNewTet = newTet(MeshAccess::corner(doomed, corners[0]),
+                             MeshAccess::corner(doomed, corners[1]),
+                             MeshAccess::corner(doomed, corners[2]));
+            if (pOppTet != nullptr)
+                registerTets(pNewTet, 0, pOppTet, indexOfNeighbour(pOppTet, doomed));
+        }
+    }
+    engineCheck(pNewTet != nullptr, "pNewTet!=0", 1060);
+    return pNewTet;
+}
+
+// ---- Creation and linking ----------------------------------------------------------------------
+
+std::size_t Cavity::glue() {
+    return gluing.glue(rows.size());
+}
+
+void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const {
+    const Orientation3 orientation = predicates.getOrientation3(a, b, c, d);
+    if (orientation == ORIENTATION3_POSITIVE) return;
+    const bool negative = orientation == ORIENTATION3_NEGATIVE;
+    std::cout << "Dt3::createTet(), ERROR: "
+              << (negative ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
+              << " ORIENTATION OF: " << std::endl;
+    std::cout << std::setprecision(15);
+    for (const Point3* corner : {a, b, c, d}) std::cout << *corner << std::endl;
+    engineCheck(!negative, "false", 980);
+    std::cout << "..probably a legal situaion but observe!" << std::endl;
+}
+
+Tet3* Cavity::createTet(Point3* a, Point3* b, Point3* c, Point3* d) {
+    checkOrientation(a, b, c, d);
+    Tet3* ret = tets.take();
+    engineCheck(ret != nullptr, "ret!=0", 990);
+    ret->setProperties(a, b, c, d);
+    return ret;
+}
+
+void Cavity::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth) {
+    engineCheck(range03(ith), "range03(ith)", 940);
+    engineCheck(range03(jth), "range03(jth)", 941);
+    engineCheck(toTet != nullptr, "toTet!=0", 942);
+    if (fromTet == toTet)
+        std::cout << "register tets has been called with fromTet==toTet==" << toTet;
+    engineCheck(fromTet != toTet, "fromTet!=toTet", 945);
+    MeshAccess::neighbour(toTet, jth) = fromTet;
+    MeshAccess::neighbour(fromTet, ith) = toTet;
+}
+
+}  // namespace VARN3D

@@ -1,0 +1,504 @@
+#include "dt3Library/Dt3.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iostream>
+
+#include "dt3Library/EngineCheck.h"
+#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/InsertionOrder.h"
+#include "dt3Library/Iterators.h"
+#include "dt3Library/Profile.h"
+#include "dt3Library/Visualizer3.h"
+#include "dt3Library/WalkStarts.h"
+
+namespace VARN3D {
+
+namespace {
+
+/// How many table entries on either side of a point are searched for a tetrahedron. Vertices
+/// without one (stored before the mesh existed) can be many; behind them the most recent
+/// tetrahedron serves as well.
+constexpr std::size_t ENTRIES_SEARCHED = 32;
+
+bool isFinite(const Point3& p) {
+    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
+}
+
+void requireFinite(const Point3& point, std::size_t position, const char* who) {
+    if (isFinite(point)) return;
+    printError(who, "point " + std::to_string(position) + " has a non-finite coordinate");
+    engineCheck(false, "std::isfinite", 70);
+}
+
+}  // namespace
+
+Dt3::Dt3(Varn_3D* pTheOwner) : cavity(predicates, tets), pOwner(pTheOwner) {}
+
+// ---- Insertion ---------------------------------------------------------------------------------
+
+void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+    for (std::size_t i = 0; i < vInputPoints.size(); ++i)
+        requireFinite(vInputPoints[i], i, "Dt3::insert()");
+    if (bVerbose)
+        std::cout << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
+    if (!vUserHandles.empty()) {
+        printWarning("Dt3::insert()", "vUserHandles is not empty as it should be");
+        vUserHandles.clear();
+    }
+    const std::size_t n = vInputPoints.size();
+    std::cout << "numPoints=" << n << std::endl;
+    if (n == 0) return;
+
+    std::vector<Point3*> vNew;
+    {
+        VARN3D_TIME(secondsStore);
+        store.insert(vInputPoints, vUserHandles, vNew);
+    }
+    if (bFullDimensional) {
+        triangulate(vNew, vNew.empty() ? pRecentTet : startTetNear(*vNew.front()));
+        return;
+    }
+    if (!spansSpace(vNew)) return;
+    Tet3* first = startUp();
+    if (first == nullptr) return;
+    if (store.getNumVertices() != n) {
+        // Earlier calls left vertices waiting, or some points were equal.
+        vNew.clear();
+        store.getVertices(vNew);
+    }
+    triangulate(vNew, first);
+}
+
+Point3* Dt3::insert(const Point3& point) {
+    requireFinite(point, 0, "Dt3::insert()");
+    const std::size_t numBefore = store.getNumVertices();
+    auto [pVtx, pLastTet] = store.insertOne(point, bFullDimensional ? ENTRIES_SEARCHED : 0);
+    if (bFullDimensional) {
+        if (pLastTet == nullptr) pLastTet = pRecentTet;
+        engineCheck(!MeshAccess::visited(pLastTet), "!pLastTet->hasBeenVisited", 350);
+        Point3* slot = pVtx;
+        insertVertex(slot, pLastTet);
+        return pVtx;
+    }
+    if (store.getNumVertices() == numBefore || !spansSpace({pVtx})) return pVtx;
+    Tet3* first = startUp();
+    if (first == nullptr || store.getNumVertices() <= 4) return pVtx;
+    // Vertices that waited for the first tetrahedron go on waiting: only a batch takes them in.
+    std::vector<Point3*> nothing;
+    triangulate(nothing, first);
+    return pVtx;
+}
+
+void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
+    if (pLastTet == nullptr) goToHell("pLastTet==NULL in Dt3::triangulate");
+    if (vVertices.empty()) {
+        std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+        return;
+    }
+    InsertionOrder order(vVertices.size());
+    WalkStarts starts;
+    std::size_t numSteps = 0;
+    std::size_t numInserted = 0;
+    for (std::size_t position; order.next(position); ++numInserted) {
+        Point3*& pVtx = vVertices[position];
+        if (starts.isReady()) pLastTet = starts.nearest(vVertices, position, pLastTet);
+        engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
+        int steps = 0;
+        int located = walk(pVtx, pLastTet, steps);
+        numSteps += static_cast<std::size_t>(steps);
+        if (!starts.isReady() && numSteps > 64 * numInserted + 4096) {
+            // The insertion order is no good guide through this batch.
+            starts.prepare(vVertices, order, store.getBbox());
+            if (located == LOCATION_STOPPED) {
+                pLastTet = starts.nearest(vVertices, position, pLastTet);
+                located = walk(pVtx, pLastTet, steps = 0);
+            }
+        }
+        if (located == LOCATION_STOPPED) stopWalk(pLastTet);
+        pLastTet = insertLocated(pVtx, pLastTet, located);
+    }
+}
+
+Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
+    engineCheck(!MeshAccess::visited(pCurTet), "!pCurTet->hasBeenVisited", 789);
+    const int located = locateConflictTet(pVtx, pCurTet);
+    return insertLocated(pVtx, pCurTet, located);
+}
+
+/// Inserts a vertex that has been located in (or beyond a facet of) pCurTet.
+Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
+    engineCheck(locateResult != LOCATION_STOPPED, "locateResult!=-99", 802);
+    VARN3D_COUNT(insertions, 1);
+    Tet3* pRet = nullptr;
+    if (locateResult == LOCATED_VERTEX) {
+        pRet = insertDuplicate(pVtx, pCurTet, locateResult);
+    } else if (locateResult >= 0) {
+        VARN3D_TIME(secondsHull);
+        pRet = insertOutsideHull(pVtx, pCurTet, locateResult);
+        engineCheck(pRet != nullptr, "pRet!=0", 817);
+        engineCheck(!MeshAccess::visited(pRet), "!pRet->hasBeenVisited", 818);
+    } else {
+        engineCheck(locateResult == LOCATED_INSIDE, "locateResult==-1", 824);
+        cavity.begin(pVtx);
+        pRet = cavity.refillFrom(pCurTet);
+    }
+    pRecentTet = pRet;
+    return pRet;
+}
+
+/// Replaces a vertex that equals a corner of pCurTet by that corner.
+Tet3* Dt3::insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const {
+    engineCheck(locateResult == LOCATED_VERTEX, "locateResult==-2", 749);
+    for (int i = 0; i < 4; ++i) {
+        Point3* corner = MeshAccess::corner(pCurTet, i);
+        if (!(*corner == *pVtx)) continue;
+        pVtx = corner;
+        return pCurTet;
+    }
+    printError("insertVertex()", "Proxy not found");
+    return nullptr;
+}
+
+Tet3* Dt3::startTetNear(const Point3& point) {
+    Tet3* near = store.findStartTet(point, ENTRIES_SEARCHED);
+    return near != nullptr ? near : pRecentTet;
+}
+
+// ---- Start-up ----------------------------------------------------------------------------------
+
+/// Whether all vertices, with the new ones, span space; until then there is nothing to search.
+bool Dt3::spansSpace(const std::vector<Point3*>& vNew) {
+    for (const Point3* vertex : vNew) span.extend(vertex, predicates);
+    return span.getDimension() == 3;
+}
+
+/// Makes the first tetrahedron of the first four vertices, in the store's order, that are not
+/// coplanar. Null if all are.
+Tet3* Dt3::startUp() {
+    engineCheck(!bFullDimensional, "!bFullDimensional", 89);
+    std::vector<Point3*> vVertices;
+    store.getVertices(vVertices);
+    Point3* simplex[4];
+    if (!findStartUpSimplex(vVertices, simplex)) return nullptr;
+    if (predicates.getOrientation3(simplex[0], simplex[1], simplex[2], simplex[3]) ==
+        ORIENTATION3_NEGATIVE)
+        std::swap(simplex[0], simplex[1]);
+    const Orientation3 ori =
+        predicates.getOrientation3(simplex[0], simplex[1], simplex[2], simplex[3]);
+    engineCheck(ori == ORIENTATION3_POSITIVE, "ori==ORIENTATION3_POSITIVE", 115);
+    pRecentTet = cavity.createTet(simplex[0], simplex[1], simplex[2], simplex[3]);
+    bFullDimensional = true;
+    return pRecentTet;
+}
+
+/// The lexicographically first quadruple of positions that is not coplanar. Affinely independent
+/// sets are a matroid, so taking the first vertex that raises the dimension each time finds it.
+/// O(n).
+bool Dt3::findStartUpSimplex(const std::vector<Point3*>& vVertices, Point3* simplex[4]) const {
+    int dimension = -1;
+    AffineSpan found;
+    for (Point3* vertex : vVertices) {
+        found.extend(vertex, predicates);
+        if (found.getDimension() == dimension) continue;
+        simplex[++dimension] = vertex;
+        if (dimension == 3) return true;
+    }
+    return false;
+}
+
+// ---- Location ----------------------------------------------------------------------------------
+
+int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet) const {
+    if (pStartTet == nullptr) goToHell("locateConflictTet");
+    int steps = 0;
+    const int located = walk(pVtx, pStartTet, steps);
+    if (located == LOCATION_STOPPED) stopWalk(pStartTet);
+    return located;
+}
+
+/// The watchdog's report. It also moves one step at random, for a caller who tries again.
+void Dt3::stopWalk(Tet3*& pTet) {
+    Tet3* neighbour = MeshAccess::neighbour(pTet, std::rand() % 4);
+    if (neighbour != nullptr) pTet = neighbour;
+    std::cout << "watchDog: bad point" << std::endl;
+}
+
+/// A visibility walk (Devillers, Pion and Teillaud, Walking in a triangulation, 2002): it crosses
+/// the first facet that has the point on its outer side. `steps` counts the facets tested; after
+/// MAX_STEPS it gives up.
+int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int& steps) const {
+    VARN3D_TIME(secondsWalk);
+    int facet = 0;
+    int untested = 4;
+    int located = LOCATION_STOPPED;
+    while (++steps <= MAX_STEPS) {
+        const Orientation3 side = predicates.getOrientation3(pStartTet, facet, pVtx);
+        if (side == ORIENTATION3_NEGATIVE) {
+            Tet3* next = MeshAccess::neighbour(pStartTet, facet);
+            if (next == nullptr) {
+                located = facet;
+                break;
+            }
+            int entry = 0;
+            while (entry < 3 && MeshAccess::neighbour(next, entry) != pStartTet) ++entry;
+            pStartTet = next;
+            facet = (entry + 1) % 4;
+            untested = 3;  // the facet just crossed has the point on its inner side
+            continue;
+        }
+        if (side == ORIENTATION3_COPLANAR) {
+            located = examineCoplanar(pVtx, pStartTet, facet);
+            if (located != LOCATION_STOPPED) break;
+        }
+        facet = (facet + 1) % 4;
+        if (--untested == 0) {
+            located = LOCATED_INSIDE;
+            break;
+        }
+    }
+    VARN3D_COUNT_WALK(steps);
+    return located;
+}
+
+/// The point lies in the plane of a facet: finds out whether it lies in the tetrahedron. Returns
+/// LOCATION_STOPPED when it does not, and the walk must go on.
+int Dt3::examineCoplanar(const Point3* pVtx, Tet3*& pStartTet, int facet) const {
+    for (int i = 0; i < 4; ++i)
+        if (*pVtx == *MeshAccess::corner(pStartTet, i)) return LOCATED_VERTEX;
+
+    int numPositive = 0;
+    int numCoplanar = 0;
+    int hullFacet = LOCATED_INSIDE;
+    int secondCoplanar = facet;
+    for (int k = 0; k < 4; ++k) {
+        const Orientation3 side = predicates.getOrientation3(pStartTet, k, pVtx);
+        if (side == ORIENTATION3_NEGATIVE) return LOCATION_STOPPED;
+        if (side == ORIENTATION3_POSITIVE) {
+            ++numPositive;
+            continue;
+        }
+        ++numCoplanar;
+        if (MeshAccess::neighbour(pStartTet, k) == nullptr) hullFacet = k;
+        if (k != facet) secondCoplanar = k;
+    }
+    if (numPositive == 3) return hullFacet;
+    engineCheck(numPositive == 2, "numPositive==2", 560);
+    engineCheck(numCoplanar == 2, "numCoplanar==2", 561);
+    return circulateToHull(pStartTet, facet, secondCoplanar);
+}
+
+/// The point lies on the edge opposite two corners: looks for a hull facet at that edge.
+int Dt3::circulateToHull(Tet3*& pStartTet, int opp3ICI, int opp2ICI) {
+    TetAroundEdgeIterator around(pStartTet->getEdge(opp3ICI, opp2ICI));
+    do {
+        if (around.nextIsNull()) {
+            pStartTet = *around;
+            const int outIndex = around.getOpp2Index();
+            engineCheck(pStartTet->getOppTet(outIndex) == nullptr,
+                        "pStartTet->getOppTet(outIndex)==0", 580);
+            return outIndex;
+        }
+        ++around;
+    } while (*around != pStartTet);
+    return LOCATED_INSIDE;
+}
+
+Tet3* Dt3::locate(const Point3& point) {
+    requireFinite(point, 0, "Dt3::locate()");
+    if (!bFullDimensional) return nullptr;
+    const Point3 p(point);
+    Tet3* tet = startTetNear(p);
+    const int located = locateConflictTet(&p, tet);
+    return located == LOCATED_INSIDE || located == LOCATED_VERTEX ? tet : nullptr;
+}
+
+// ---- Insertion outside the hull ----------------------------------------------------------------
+
+Tet3* Dt3::insertOutsideHull(Point3* pVtx, Tet3* pCurTet, int opp3ICI) {
+    engineCheck(pCurTet != nullptr, "pCurTet!=0", 1201);
+    engineCheck(opp3ICI > -1, "opp3ICI>-1", 1202);
+    VARN3D_COUNT(hullInsertions, 1);
+    cavity.begin(pVtx);
+    collectVisibleHullTets(pVtx, pCurTet, opp3ICI);
+    vStaying.clear();
+    vDoomed.clear();
+    cavity.grow(vVisible, vStaying, vDoomed);
+    Tet3* pNewTet1 = cavity.fanOverHull(vStaying);
+    if (!vDoomed.empty()) {
+        Tet3* pNewTet2 = cavity.retetrahedralise(vDoomed);
+        if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
+    }
+    // What finds no partner is the facets between the new vertex and the horizon: the new hull.
+    cavity.glue();
+    engineCheck(pNewTet1 != nullptr, "pNewTet1!=0", 1225);
+    return pNewTet1;
+}
+
+/// Gathers in vVisible, each once, the tetrahedra with a hull facet that the point sees, starting
+/// at one of them and going from facet to facet over the hull's edges.
+void Dt3::collectVisibleHullTets(const Point3* pVtx, Tet3* pCurTet, int opp3ICI) {
+    vVisible.clear();
+    hullEdges.clear();
+    seenEdges.clear();
+    seenTets.clear();
+
+    const auto addFacet = [this](Tet3* tet, int opp3, bool bAlways) {
+        for (int k = 0; k < 4; ++k) {
+            if (k == opp3) continue;
+            const HullEdge edge(tet, opp3, k);
+            const bool bNew = seenEdges.insert(edge.low(), edge.high());
+            if (bNew || bAlways) hullEdges.push_back(edge);
+        }
+        if (seenTets.insert(tet, nullptr)) vVisible.push_back(tet);
+    };
+    addFacet(pCurTet, opp3ICI, true);
+    while (!hullEdges.empty()) {
+        HullEdge edge = hullEdges.back();
+        hullEdges.pop_back();
+        edge.turnToNextHullFacet();
+        engineCheck(MeshAccess::neighbour(edge.tet, edge.opp2) == nullptr,
+                    "pCurTet->getOppTet(opp2ICI)==0", 1250);
+        if (predicates.getOrientation3(edge.tet, edge.opp2, pVtx) == ORIENTATION3_NEGATIVE)
+            addFacet(edge.tet, edge.opp2, false);
+    }
+}
+
+// ---- Queries -----------------------------------------------------------------------------------
+
+void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const {
+    engineCheck(vTet.empty(), "vTet.empty()", 1300);
+    if (!bFullDimensional) {
+        std::cout << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
+        return;
+    }
+    tets.listLive(vTet);
+}
+
+void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
+    if (pVtx->getOneTet() == nullptr) {
+        printError("Dt3::getTetsAroundVertex()", "pVtx does not belong to the triangulation");
+        return;
+    }
+    PointerPairSet visited;
+    std::vector<Tet3*> pending;
+    const auto visit = [&](Tet3* tet) {
+        if (!visited.insert(tet, nullptr)) return;
+        vTets.push_back(tet);
+        pending.push_back(tet);
+    };
+    visit(pVtx->getOneTet());
+    while (!pending.empty()) {
+        const Tet3* current = pending.back();
+        pending.pop_back();
+        const int k = current->getIntraTetIndex(pVtx);
+        for (int i = 0; i < 4; ++i) {
+            Tet3* neighbour = MeshAccess::neighbour(current, i);
+            if (i != k && neighbour != nullptr) visit(neighbour);
+        }
+    }
+}
+
+// ---- Validity and dumps ------------------------------------------------------------------------
+
+namespace {
+
+/// Writes a label and the plain name of an orientation.
+void printOrientation(const std::string& label, Orientation3 orientation) {
+    std::cout << label << ": ";
+    if (orientation == ORIENTATION3_POSITIVE) std::cout << "positive";
+    if (orientation == ORIENTATION3_NEGATIVE) std::cout << "negative";
+    if (orientation == ORIENTATION3_COPLANAR) std::cout << "coplanar";
+    std::cout << std::endl;
+}
+
+}  // namespace
+
+/// The marks are checked whatever `checkVisited` says.
+bool Dt3::checkValidity(const std::string& location, bool /*checkVisited*/,
+                        bool checkSphereInc) const {
+    std::vector<Tet3*> vTets;
+    getAllTetrahedra(vTets);
+    std::cout << "\n\n** CheckValidity at [ " << location
+              << "]: Number of tetrahedra: " << vTets.size() << std::endl;
+    std::cout << "   with --checkvisited" << std::endl;
+    std::cout << (checkSphereInc ? "   with --checkSphereInc" : "   without --checkSphereInc")
+              << std::endl;
+    std::cout << "   vTets.size()=" << vTets.size() << std::endl;
+    for (Tet3* tet : vTets)
+        if (!checkTet(location, tet, checkSphereInc)) return false;
+    std::cout << "** CheckValidity at (" << location << ") has been finished, seems OK" << std::endl
+              << std::endl;
+    return true;
+}
+
+bool Dt3::checkTet(const std::string& location, Tet3* pTet, bool checkSphereInc) const {
+    if (MeshAccess::visited(pTet)) {
+        printError("Dt3::CheckValidity()", "pcurrentTet->hasBeenvisited=true");
+        std::cout << *pTet << std::endl;
+        engineCheck(false, "false", 1410);
+    }
+    for (int ith = 0; ith < 4; ++ith) {
+        const Tet3* neighbour = pTet->getOppTet(ith);
+        if (neighbour == nullptr) continue;
+        Point3* pVtx = neighbour->getCorner(neighbour->getIntraTetIndex(pTet));
+        if (pVtx == nullptr) continue;
+        const Orientation3 orientation = predicates.getOrientation3(pTet, ith, pVtx);
+        if (orientation != ORIENTATION3_NEGATIVE) {
+            reportNegativeSide(location, pTet, ith, pVtx, orientation);
+            return false;
+        }
+        if (checkSphereInc && predicates.sphereInclusionTest(pTet, pVtx) == SIC_INSIDE) {
+            reportSphere(pTet, pVtx);
+            return false;
+        }
+    }
+    return true;
+}
+
+void Dt3::reportNegativeSide(const std::string& location, Tet3* pTet, int ith, Point3* pVtx,
+                             Orientation3 orientation) const {
+    printBanner("ERROR: checkValidity at [" + location + "]");
+    std::cout << "Dt3::checkValidity, HUH, vertex " << pVtx
+              << " should be on the negative side, tet=" << std::endl;
+    std::cout << *pTet << "oppIndex=" << ith << ", Vertex=" << pVtx << "=" << *pVtx << std::endl;
+    printOrientation("checkValidity", orientation);
+    show(getNextDumpPrefix() + "negSideBug.list", pVtx);
+}
+
+void Dt3::reportSphere(Tet3* pTet, Point3* pVtx) {
+    printBanner("checkValidity: ERROR ERROR ERROR");
+    std::cout << "Dt3::checkValidity, HUH - sphereIncTest failed: " << std::endl;
+    std::cout << *pTet << ", Vertex=" << pVtx << "=" << *pVtx << std::endl;
+    Visualizer3 visualizer(getNextDumpPrefix() + "sphereIncBug.list");
+    visualizer.writeTet(pTet, "1 0 0 0.5");
+    visualizer.writePoints({*pVtx}, 8, "1 1 1 0.5");
+    const Point3 centre = pTet->getCircumcenter();
+    const Vector3 radius = *pTet->getCorner(0) - centre;
+    visualizer.writeBall(
+        centre, radius.x() * radius.x() + radius.y() * radius.y() + radius.z() * radius.z());
+    visualizer.close();
+}
+
+void Dt3::show(const std::string& filename, Point3* pVertex) const {
+    std::vector<Tet3*> vTets;
+    getAllTetrahedra(vTets);
+    std::cout << "  Dt3::show(): vTets.size()=" << vTets.size() << std::endl;
+    Visualizer3 visualizer(filename);
+    for (Tet3* tet : vTets) {
+        visualizer.writeTet(tet, Visualizer3::getNextColor());
+        for (int i = 0; i < 4; ++i) visualizer.writePoints({*tet->getCorner(i)}, 5, "0 1 0 0.5");
+    }
+    if (pVertex != nullptr) visualizer.writePoints({*pVertex}, 10, "1 0 0 0.5");
+    visualizer.close();
+}
+
+void Dt3::print(const std::string& label) const {
+    std::vector<Tet3*> vTets;
+    getAllTetrahedra(vTets);
+    std::cout << "\n\n**** Dt3::print(" << label << "), numTets=" << vTets.size() << std::endl;
+    for (const Tet3* tet : vTets) std::cout << *tet << std::endl << std::endl;
+}
+
+}  // namespace VARN3D

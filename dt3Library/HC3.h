@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "dt3Library/Bbox3.h"
+#include "dt3Library/Point3.h"
+#include "dt3Library/VertexTable.h"
+#include "dt3Library/geom_tools/SimplePool.h"
+
+namespace VARN3D {
+
+/// The vertex store: owns every vertex, merges equal coordinates, and hands batches to the engine
+/// in the order of a Hilbert curve over the bounding box.
+///
+/// A vertex lives as long as the store and never moves. The keys along the curve follow from the
+/// box, so nothing is stored of them; what is needed to find a point again is a table in an order
+/// of its own that does not depend on the box and is made only when a second insertion or a query
+/// asks for it: hosts that insert one batch never pay for it.
+///
+/// Not thread-safe: one store belongs to one engine.
+class HC3 {
+  public:
+    /// `numBits` is the length of a key, below 33 and divisible by 3. Otherwise prints
+    /// "HC3::HC3(..): invalid bitlength" and throws.
+    explicit HC3(unsigned numBits = 27);
+    HC3(const HC3&) = delete;
+    HC3& operator=(const HC3&) = delete;
+
+    /// The key of a point's cell on the Hilbert curve over the current box.
+    std::uint32_t hilbertIndex(const Point3& point) const;
+
+    /// Stores a batch. `vUserHandles` must be empty and gets one handle for each point, in input
+    /// order; `vNew` gets the vertices that are new, in curve order (equal keys in input order).
+    /// O(n) for the first batch, O(n log m) with m vertices stored before.
+    void insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserHandles,
+                std::vector<Point3*>& vNew);
+
+    /// Stores one point. Returns its vertex and a tetrahedron from which to locate it: one that
+    /// belongs to the vertex, or else to one of its neighbours in the table, of which at most so
+    /// many are looked at on either side; null if none of them has any.
+    std::pair<Point3*, Tet3*> insertOne(const Point3& point,
+                                        std::size_t entriesASide = VertexTable::EVERYTHING);
+
+    /// A tetrahedron near the point, found in the same way.
+    Tet3* findStartTet(const Point3& point, std::size_t entriesASide = VertexTable::EVERYTHING);
+
+    std::size_t getNumVertices() const { return numVertices; }
+
+    /// Appends all vertices in curve order; equal keys in the order of their storing. O(n).
+    void getVertices(std::vector<Point3*>& vVertices) const;
+
+    const Bbox3& getBbox() const { return bbox; }
+
+  private:
+    /// A key in the upper numBits bits and a position below it, so that comparing two numbers
+    /// compares keys first.
+    using KeyedPosition = std::uint64_t;
+
+    unsigned positionBits() const { return 64 - numBits; }
+    std::uint64_t positionOf(KeyedPosition keyed) const {
+        return keyed & ((std::uint64_t{1} << positionBits()) - 1);
+    }
+    std::uint64_t keyOf(KeyedPosition keyed) const { return keyed >> positionBits(); }
+    void sortByKey(std::vector<KeyedPosition>& vHIndexIndexPair) const;
+
+    void enlargeBox(double factor);
+    void insertFirstBatch(const std::vector<Point3>& points,
+                          const std::vector<KeyedPosition>& vHIndexIndexPair,
+                          std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
+    void insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
+                   const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                   std::vector<Point3*>& vNew);
+    void insertLaterBatch(const std::vector<Point3>& points,
+                          const std::vector<KeyedPosition>& vHIndexIndexPair,
+                          std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
+    Point3* newVertex(const Point3& point);
+    VertexTable& getTable();
+    void enterInTable(VertexTable::Place place, Point3* vertex);
+
+    Bbox3 bbox;
+    unsigned numBits;
+    double extentX = -1.0;
+    double extentY = -1.0;
+    double extentZ = -1.0;
+    bool bValid = false;
+    SimplePool<Point3> vertices;
+    std::size_t numVertices = 0;
+    VertexTable table;
+    bool bTableValid = false;
+    /// Whether the pool's order is the curve's: true after one batch, until anything is added.
+    bool bPoolInCurveOrder = false;
+};
+
+}  // namespace VARN3D

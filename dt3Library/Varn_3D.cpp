@@ -1,0 +1,84 @@
+#include "dt3Library/Varn_3D.h"
+
+#include <new>
+
+#include "dt3Library/Dt3.h"
+#include "dt3Library/FloatingPointScope.h"
+#include "dt3Library/tools.h"
+
+namespace VARN3D {
+
+namespace {
+
+/// Runs an operation of the engine under the library's own floating-point settings; memory that
+/// runs out is reported before the exception goes on to the host.
+template <class Operation>
+auto guarded(const char* who, Operation operation) {
+    const FloatingPointScope scope;
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        printError(who, "Out of memory");
+        throw;
+    }
+}
+
+}  // namespace
+
+Varn_3D::Varn_3D() : pDt3(new Dt3(this)) {}
+
+Varn_3D::~Varn_3D() {
+    delete pDt3;
+}
+
+bool Varn_3D::is3D() const {
+    return pDt3->is3D();
+}
+
+void Varn_3D::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+    guarded("Varn_3D::insert()", [&] { pDt3->insert(vInputPoints, vUserHandles); });
+}
+
+void Varn_3D::insert(std::vector<Point3>& vInputPoints) {
+    std::vector<Point3*> vUserHandles;
+    insert(vInputPoints, vUserHandles);
+}
+
+Point3* Varn_3D::insert(Point3& point) {
+    return guarded("Varn_3D::insert()", [&] { return pDt3->insert(point); });
+}
+
+Tet3* Varn_3D::locate(const Point3& point) {
+    return guarded("Varn_3D::locate()", [&] { return pDt3->locate(point); });
+}
+
+void Varn_3D::getVertices(std::vector<Point3*>& vVertices) const {
+    guarded("Varn_3D::getVertices()", [&] { pDt3->getVertices(vVertices); });
+}
+
+void Varn_3D::getTetrahedra(std::vector<Tet3*>& vTets) const {
+    guarded("Varn_3D::getTetrahedra()", [&] { pDt3->getAllTetrahedra(vTets); });
+}
+
+void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
+    guarded("Varn_3D::getTetsAroundVertex()", [&] { Dt3::getTetsAroundVertex(pVtx, vTets); });
+}
+
+bool Varn_3D::checkValidity(const std::string& location, bool checkSphereInc) {
+    return guarded("Varn_3D::checkValidity()",
+                   [&] { return pDt3->checkValidity(location, checkSphereInc, checkSphereInc); });
+}
+
+void Varn_3D::print(const std::string& label) {
+    guarded("Varn_3D::print()", [&] { pDt3->print(label); });
+}
+
+void Varn_3D::show(const std::string& filename, Point3* pVertex) {
+    guarded("Varn_3D::show()", [&] { pDt3->show(filename, pVertex); });
+}
+
+void Varn_3D::setVerbosity(bool bVerbose) {
+    pDt3->setVerbosity(bVerbose);
+}
+
+}  // namespace VARN3D
