@@ -1,0 +1,29 @@
+#pragma once
+
+#include <streambuf>
+#include <string>
+
+namespace tool {
+
+/// Keeps the library's own lines on standard output out of the program's, as long as it lives.
+///
+/// Progress notes are dropped. A warning goes to standard error; from the first error on everything
+/// does, since what follows explains it. Lines are passed on at once: a process that dies has said
+/// why.
+class LibraryMessages : private std::streambuf {
+  public:
+    LibraryMessages();
+    ~LibraryMessages() override;
+    LibraryMessages(const LibraryMessages&) = delete;
+    LibraryMessages& operator=(const LibraryMessages&) = delete;
+
+  private:
+    int_type overflow(int_type c) override;
+    void passOn();
+
+    std::streambuf* const pPrevious;
+    std::string line;
+    bool bErrorSeen = false;
+};
+
+}  // namespace tool

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tool {
+
+bool stderrIsTerminal();
+
+/// The most memory that the process has had in use at once, in bytes; 0 where the system can't say.
+std::uint64_t peakMemory();
+
+}  // namespace tool

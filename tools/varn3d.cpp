@@ -1,0 +1,218 @@
+#include <dt3Library/Varn_3D.h>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <exception>
+#include <fstream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "IndexedMesh.h"
+#include "InputError.h"
+#include "LibraryMessages.h"
+#include "MeshStatistics.h"
+#include "Options.h"
+#include "OutputFile.h"
+#include "PointFile.h"
+#include "Progress.h"
+#include "meshWriters.h"
+#include "platform.h"
+
+using VARN3D::Point3;
+using VARN3D::Tet3;
+using VARN3D::Varn_3D;
+
+namespace tool {
+
+namespace {
+
+enum ExitCode { success = 0, checkFailed = 1, badInput = 2, coplanar = 3 };
+
+/// Points that no tetrahedron can be made of.
+class CoplanarInput : public InputError {
+  public:
+    using InputError::InputError;
+};
+
+/// The main job: from a file of points to a summary and the files that were asked for.
+class Program {
+  public:
+    explicit Program(Options programOptions) : options(std::move(programOptions)) {}
+
+    ExitCode run();
+
+  private:
+    void triangulate();
+    void countHullFacets();
+    void writeFiles();
+    void writeGeomview();
+    void printSummary() const;
+
+    Options options;
+    Progress progress;
+    std::vector<Point3> points;
+    std::size_t numPoints = 0;
+    Varn_3D mesh;
+    /// The vertex of each input point.
+    std::vector<Point3*> vertexOfPoint;
+    std::size_t numVertices = 0;
+    std::vector<Tet3*> tets;
+    std::size_t numHullFacets = 0;
+    std::size_t numKept = 0;
+    double seconds = 0;
+    bool bValid = true;
+    /// They get their names when all of them are complete.
+    std::deque<OutputFile> files;
+};
+
+ExitCode Program::run() {
+    progress.begin("reading " + options.input);
+    points = readPointFile(options.input, options.format);
+    numPoints = points.size();
+    if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
+        throw InputError(options.input, "more than 2147483647 points");
+    }
+    progress.begin("triangulating " + std::to_string(numPoints) + " points");
+    triangulate();
+    if (!mesh.is3D()) {
+        throw CoplanarInput(options.input, "the points are coplanar: there is no tetrahedron (" +
+                                               std::to_string(numPoints) + " points, " +
+                                               std::to_string(numVertices) + " distinct)");
+    }
+    if (options.bCheck) {
+        progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
+        const LibraryMessages messages;
+        bValid = mesh.checkValidity(options.input, true);
+    }
+    progress.begin("writing files");
+    writeFiles();
+    std::optional<MeshStatistics> statistics;
+    if (options.bStatistics) {
+        progress.begin("measuring " + std::to_string(tets.size()) + " tetrahedra");
+        statistics.emplace(tets);
+    }
+    progress.end();
+    printSummary();
+    if (statistics) {
+        statistics->print(stdout);
+    }
+    if (std::fflush(stdout) != 0) {
+        throw InputError("standard output", "can't be written");
+    }
+    return bValid ? success : checkFailed;
+}
+
+void Program::triangulate() {
+    const LibraryMessages messages;
+    const auto start = std::chrono::steady_clock::now();
+    mesh.insert(points, vertexOfPoint);
+    seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::vector<Point3*> vertices;
+    mesh.getVertices(vertices);
+    numVertices = vertices.size();
+    mesh.getTetrahedra(tets);
+    countHullFacets();
+}
+
+void Program::countHullFacets() {
+    for (const Tet3* tet : tets) {
+        for (int i = 0; i < 4; ++i) {
+            numHullFacets += tet->getOppTet(i) ? 0 : 1;
+        }
+    }
+}
+
+void Program::writeFiles() {
+    if (!options.geomview.empty()) {
+        writeGeomview();
+    }
+    if (options.needsIndexedMesh()) {
+        IndexedMesh indexed(std::move(points), vertexOfPoint, tets);
+        for (const ClipPlane& plane : options.clipPlanes) {
+            indexed.clip(plane);
+        }
+        numKept = indexed.tetrahedra.size();
+        const std::pair<const std::string&, void (*)(const IndexedMesh&, OutputFile&)> writers[] = {
+            {options.vtk, writeVtk},
+            {options.medit, writeMedit},
+            {options.tetgenNodes, writeTetgenNodes},
+            {options.tetgenElements, writeTetgenElements},
+            {options.duplicates, writeDuplicates}};
+        for (const auto& [name, write] : writers) {
+            if (!name.empty()) {
+                write(indexed, files.emplace_back(name));
+                files.back().close();
+            }
+        }
+    }
+    for (OutputFile& file : files) {
+        file.commit();
+    }
+}
+
+void Program::writeGeomview() {
+    OutputFile& file = files.emplace_back(options.geomview);
+    file.close();
+    {
+        const LibraryMessages messages;
+        mesh.show(file.writtenName(), nullptr);
+    }
+    // The library doesn't tell when the disk is full; a complete file ends with a closing brace.
+    std::ifstream written(file.writtenName(), std::ios::binary);
+    char ending[2] = {};
+    written.seekg(-2, std::ios::end);
+    written.read(ending, 2);
+    if (file.isTemporary() && std::string(ending, 2) != "}\n") {
+        throw InputError(options.geomview, "could not be written completely");
+    }
+}
+
+void Program::printSummary() const {
+    std::printf("points read        %zu\n", numPoints);
+    std::printf("distinct vertices  %zu\n", numVertices);
+    std::printf("tetrahedra         %zu\n", tets.size());
+    std::printf("hull facets        %zu\n", numHullFacets);
+    if (!options.clipPlanes.empty()) {
+        std::printf("tetrahedra kept    %zu\n", numKept);
+    }
+    std::printf("time               %.3f s\n", seconds);
+    std::printf("points a second    %.0f\n", static_cast<double>(numPoints) / seconds);
+    if (const std::uint64_t bytes = peakMemory()) {
+        std::printf("peak memory        %.1f MiB\n", static_cast<double>(bytes) / (1024 * 1024));
+    }
+    if (options.bCheck) {
+        std::printf("validity           %s\n", bValid ? "holds" : "VIOLATED");
+    }
+}
+
+int run(int argc, const char* const* argv) {
+    try {
+        std::optional<Options> options = Options::parse(argc, argv);
+        return options ? std::make_unique<Program>(std::move(*options))->run() : success;
+    } catch (const CoplanarInput& error) {
+        std::fprintf(stderr, "varn3d: %s\n", error.what());
+        return coplanar;
+    } catch (const InputError& error) {
+        std::fprintf(stderr, "varn3d: %s\n", error.what());
+        return badInput;
+    } catch (const std::bad_alloc&) {
+        std::fputs("varn3d: out of memory\n", stderr);
+        return badInput;
+    } catch (const VARN3D::VarnException& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return checkFailed;
+    }
+}
+
+}  // namespace
+
+}  // namespace tool
+
+int main(int argc, char** argv) {
+    return tool::run(argc, argv);
+}
