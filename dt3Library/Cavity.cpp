@@ -196,15 +196,16 @@ inline void Cavity::visitNeighbours(const Doomed& current) {
 }
 
 /// A new tetrahedron of p and three other vertices, without check.
-inline Tet3* Cavity::newTet(Point3* b, Point3* c, Point3* d) {
+inline Tet3* Cavity::newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d) {
     VARN3D_COUNT(created, 1);
     Tet3* tet = tets.take();
-    tet->setProperties(newVertex, b, c, d);
+    MeshAccess::fill(tet, label, newVertex, b, c, d);
     gluing.add(tet, numberOf(b), numberOf(c), numberOf(d));
     return tet;
 }
 
 Tet3* Cavity::fillBoundary() {
+    std::uint32_t label = MeshAccess::reserveLabels(boundary.size());
     Tet3* last = nullptr;
     for (const BoundaryFacet& facet : boundary) {
         const int* corners = INNER_FACET[facet.ith];
@@ -212,7 +213,7 @@ Tet3* Cavity::fillBoundary() {
         Point3* c = MeshAccess::corner(facet.inner, corners[1]);
         Point3* d = MeshAccess::corner(facet.inner, corners[2]);
         if (!(facet.orientation > orientationBound)) checkOrientation(newVertex, b, c, d);
-        last = newTet(b, c, d);
+        last = newTet(label++, b, c, d);
         if (facet.outer != nullptr)
             registerTets(last, 0, facet.outer, indexOfNeighbour(facet.outer, facet.inner));
     }
@@ -263,7 +264,7 @@ Tet3* Cavity::fanOverHull(const std::vector<Tet3*>& vStaying) {
             engineCheck(orient == ORIENTATION3_NEGATIVE, "orient==ORIENTATION3_NEGATIVE", 1112);
             // The facet was just seen from outside, so the new tetrahedron is positive.
             const int* corners = OUTER_FACET[ith];
-            pNewTet = newTet(MeshAccess::corner(hullTet, corners[0]),
+            pNewTet = newTet(MeshAccess::reserveLabels(1), MeshAccess::corner(hullTet, corners[0]),
                              MeshAccess::corner(hullTet, corners[1]),
                              MeshAccess::corner(hullTet, corners[2]));
             registerTets(pNewTet, 0, hullTet, ith);
@@ -288,7 +289,7 @@ Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
             if (predicates.getOrientation3(doomed, ith, newVertex) != ORIENTATION3_POSITIVE)
                 continue;
             const int* corners = INNER_FACET[ith];
-            pNewTet = newTet(MeshAccess::corner(doomed, corners[0]),
+            pNewTet = newTet(MeshAccess::reserveLabels(1), MeshAccess::corner(doomed, corners[0]),
                              MeshAccess::corner(doomed, corners[1]),
                              MeshAccess::corner(doomed, corners[2]));
             if (pOppTet != nullptr)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "dt3Library/FacetGluing.h"
@@ -91,7 +92,7 @@ class Cavity {
     void visitNeighbours(const Doomed& current);
     Tet3* fillBoundary();
     void checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const;
-    Tet3* newTet(Point3* b, Point3* c, Point3* d);
+    Tet3* newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d);
 
     const GeomTest3& predicates;
     TetRecycler& tets;

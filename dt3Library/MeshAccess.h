@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "dt3Library/Point3.h"
 #include "dt3Library/Tet3.h"
 
@@ -17,6 +19,23 @@ struct MeshAccess {
     static Tet3*& neighbour(Tet3* t, int i) { return t->aOppTets[i]; }
     static Tet3* neighbour(const Tet3* t, int i) { return t->aOppTets[i]; }
     static std::int32_t& customIndex(Tet3* t) { return t->customIndex; }
+    /// The first of n labels that belong to the caller from now on. The counter wraps around.
+    static std::uint32_t reserveLabels(std::size_t n) {
+        return static_cast<std::uint32_t>(
+            Tet3::runningLabel.fetch_add(static_cast<std::int32_t>(n), std::memory_order_relaxed));
+    }
+    /// What `Tet3::setProperties` does, under a label reserved before.
+    static void fill(Tet3* t, std::uint32_t label, Point3* p0, Point3* p1, Point3* p2, Point3* p3) {
+        t->hasBeenVisited = false;
+        t->label = static_cast<std::int32_t>(label);
+        t->customIndex = -1;
+        Point3* const corners[4] = {p0, p1, p2, p3};
+        for (int i = 0; i < 4; ++i) {
+            t->aVertexPointer[i] = corners[i];
+            t->aOppTets[i] = nullptr;
+            corners[i]->setOneTet(t);
+        }
+    }
     static std::int32_t& cavityNumber(Point3* p) { return p->cavityNumber; }
 };
 
