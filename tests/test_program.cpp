@@ -30,7 +30,7 @@ namespace {
 
 using Corners = std::array<std::uint32_t, 4>;
 
-struct Run {
+struct Outcome {
     int exitCode;
     std::string out;
     std::string err;
@@ -57,12 +57,12 @@ class Program : public testing::Test {
     }
     std::string read(const std::string& name) const { return contentOf(directory / name); }
 
-    Run run(const std::string& arguments) const {
+    Outcome run(const std::string& arguments) const {
         const int status = std::system(("cd " + directory.string() + " && { " VARN3D_PROGRAM " " +
                                         arguments + " ; } >.out 2>.err </dev/null")
                                            .c_str());
-        const Run result = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"),
-                            read(".err")};
+        const Outcome result = {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"),
+                                read(".err")};
         fs::remove(directory / ".out");
         fs::remove(directory / ".err");
         return result;
@@ -79,7 +79,7 @@ class Program : public testing::Test {
     /// Expects the one line on standard error, and that nothing at all was written.
     void expectRefused(const std::string& arguments, int exitCode, const std::string& message) {
         const std::set<std::string> before = files();
-        const Run result = run(arguments);
+        const Outcome result = run(arguments);
         EXPECT_EQ(result.exitCode, exitCode) << arguments;
         EXPECT_EQ(result.err, "varn3d: " + message + "\n");
         EXPECT_EQ(result.out, "") << arguments;
@@ -146,7 +146,7 @@ TEST_F(Program, readsEveryGoodForm) {
     };
     for (const auto& good : cases) {
         write(good.name, good.content);
-        const Run result = run(std::string(good.name) + " --tetgen m --check");
+        const Outcome result = run(std::string(good.name) + " --tetgen m --check");
         EXPECT_EQ(result.exitCode, 0) << good.name << result.err;
         EXPECT_EQ(result.err, "") << good.name;
         std::string nodes = read("m.node");
@@ -361,7 +361,7 @@ class WrittenMesh : public Program {
 };
 
 TEST_F(WrittenMesh, isTheLibrarysInEveryFormat) {
-    const Run result =
+    const Outcome result =
         run("p.xyz --check --vtk o.vtk --medit o.mesh --tetgen o --duplicates o.dup");
     ASSERT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.err, "");
@@ -412,7 +412,7 @@ TEST_F(WrittenMesh, isClippedToOneSide) {
     std::ostringstream planes;
     planes.precision(17);
     planes << "--clip 'x<" << third << "' --clip 'y>0.2'";
-    const Run result = run("p.xyz --tetgen o " + planes.str());
+    const Outcome result = run("p.xyz --tetgen o " + planes.str());
     ASSERT_EQ(result.exitCode, 0) << result.err;
     std::set<Corners> kept;
     for (const Corners& c : expected) {
@@ -444,7 +444,7 @@ TEST_F(WrittenMesh, hasItsVertexDegreesCounted) {
             neighbours[i].insert(c.begin(), c.end());
         }
     }
-    const Run result = run("p.xyz --stats");
+    const Outcome result = run("p.xyz --stats");
     ASSERT_EQ(result.exitCode, 0) << result.err;
     std::istringstream in(result.out.substr(result.out.find("vertex degrees")));
     std::string line;
@@ -479,7 +479,7 @@ TEST_F(Program, measuresShapesOfAnySize) {
             text += "\n";
         }
         write("regular.xyz", text);
-        const Run result = run("regular.xyz --stats");
+        const Outcome result = run("regular.xyz --stats");
         EXPECT_EQ(result.exitCode, 0) << result.err;
         EXPECT_THAT(result.out, HasSubstr("tetrahedron): smallest 70.53, largest 70.53\n"));
         EXPECT_THAT(result.out, HasSubstr("shortest edge: smallest 0.6124, largest 0.6124\n"));
@@ -488,7 +488,7 @@ TEST_F(Program, measuresShapesOfAnySize) {
 }
 
 TEST_F(Program, triangulatesTheShippedScan) {
-    const Run result = run(VARN3D_TEST_SOURCE_DIR "/examples/data/bunny.xyz --check");
+    const Outcome result = run(VARN3D_TEST_SOURCE_DIR "/examples/data/bunny.xyz --check");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_THAT(result.out, HasSubstr("points read        1839\ndistinct vertices  1839\n"));

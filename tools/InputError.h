@@ -18,8 +18,10 @@ class InputError : public std::runtime_error {
         : std::runtime_error(file + ":" + std::to_string(line) + ": " + problem) {}
 };
 
-/// Text from a file as it can stand in a one-line message: in quotes, cut when it is long, and with
-/// what can't be printed written as \xNN.
+/// Text from a file as it can stand in a one-line message: cut when it is long, and with what can't
+/// be printed written as \xNN.
+std::string printable(std::string_view text);
+/// The same in quotes.
 std::string quoted(std::string_view text);
 
 }  // namespace tool

@@ -194,8 +194,8 @@ void PlyReader::readAsciiElement(const Element& element, std::vector<Point3>* pP
         std::string_view line;
         do {
             if (!lines.next(line)) {
-                failAtLine("the file ends before " + element.name + " " + std::to_string(i) +
-                           " of " + std::to_string(element.count));
+                failAtLine("the file ends before " + printable(element.name) + " " +
+                           std::to_string(i) + " of " + std::to_string(element.count));
             }
         } while (trimmed(line).empty());
         double xyz[3] = {};
@@ -316,8 +316,8 @@ void PlyReader::failAtLine(const std::string& problem) const {
 }
 
 void PlyReader::failAtPlace(const Place& place, const std::string& problem) const {
-    throw InputError(fileName,
-                     place.pElement->name + " " + std::to_string(place.index) + ": " + problem);
+    throw InputError(fileName, printable(place.pElement->name) + " " + std::to_string(place.index) +
+                                   ": " + problem);
 }
 
 }  // namespace tool
