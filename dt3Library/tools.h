@@ -7,10 +7,19 @@
 
 namespace VARN3D {
 
+/// Prints a warning on standard output, "      who, WARNING: text" between two empty lines.
 void printWarning(const std::string& who, const std::string& text);
+/// The same with "ERROR". Neither stops the caller.
 void printError(const std::string& who, const std::string& text);
+/// Prints text in a frame of asterisks.
 void printBanner(const std::string& text);
+
+/// The start of the name of the process's next dump file: "00001_", then "00002_" and so on. Safe
+/// to call from several threads.
 std::string getNextDumpPrefix();
+
+/// For states that can't be: prints the reason and ends the process by an access fault, so that a
+/// debugger stops at the broken state.
 [[noreturn]] void goToHell(const std::string& reason);
 
 /// Reports a failed condition and throws. `file` may be any path that ends in a path relative to

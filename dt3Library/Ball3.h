@@ -1,0 +1,26 @@
+#pragma once
+
+#include "dt3Library/Export.h"
+#include "dt3Library/Point3.h"
+
+namespace VARN3D {
+
+/// A ball by its centre and squared radius. A plain value.
+class VARN3D_EXPORT Ball3 {
+  public:
+    Ball3(double x, double y, double z, double sqRadius)
+        : centre(x, y, z), squaredRadius(sqRadius) {}
+
+    Point3 getCenter() const { return centre; }
+    double getSqRadius() const { return squaredRadius; }
+    double getRadius() const;
+
+    /// Prints centre and radius on standard output.
+    void debug() const;
+
+  private:
+    Point3 centre;
+    double squaredRadius;
+};
+
+}  // namespace VARN3D

@@ -1,0 +1,25 @@
+#include "dt3Library/Facet3.h"
+
+#include "dt3Library/Edge3.h"
+#include "dt3Library/tools.h"
+
+namespace VARN3D {
+
+int Facet3::getIntraTetIndex(int ith) const {
+    varnAssertText(range02(ith), "range02(ith)");
+    return Tet3::getEdgeIndices(opp3ICI, ith).first;
+}
+
+Edge3 Facet3::getEdge(int ith) const {
+    varnAssertText(range02(ith), "range02(ith)");
+    return Edge3(pTet, opp3ICI, getIntraTetIndex(ith));
+}
+
+bool Facet3::operator==(const Facet3& other) const {
+    if (pTet == other.pTet && opp3ICI == other.opp3ICI) return true;
+    const Tet3* neighbour = pTet->getOppTet(opp3ICI);
+    return neighbour != nullptr && neighbour == other.pTet &&
+           neighbour->getIntraTetIndex(pTet) == other.opp3ICI;
+}
+
+}  // namespace VARN3D

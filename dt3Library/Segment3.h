@@ -1,0 +1,24 @@
+#pragma once
+
+#include "dt3Library/Export.h"
+#include "dt3Library/Point3.h"
+
+namespace VARN3D {
+
+/// A segment from a source to a target point. A plain value.
+class VARN3D_EXPORT Segment3 {
+  public:
+    Segment3(const Point3& src, const Point3& trg) : source(src), target(trg) {}
+
+    Point3 getSrc() const { return source; }
+    Point3 getTrg() const { return target; }
+
+    /// Prints both points on standard output.
+    void debug() const;
+
+  private:
+    Point3 source;
+    Point3 target;
+};
+
+}  // namespace VARN3D

@@ -1,0 +1,185 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "dt3Library/tools.h"
+
+namespace VARN3D {
+
+class Tet3;
+struct TwoTetStruct;
+
+/// As the size of a further block: the growth rule of `SimplePool` chooses it.
+constexpr std::int32_t poolGrowthRule = -1;
+
+/// The sizes of the blocks of a pool, in slots. Specialised for the types that need others.
+template <class T>
+struct SimplePoolTraits {
+    static constexpr std::int32_t initialSize = 4;
+    static constexpr std::int32_t increase = poolGrowthRule;
+};
+
+template <>
+struct SimplePoolTraits<Tet3> {
+    static constexpr std::int32_t initialSize = 28;
+    static constexpr std::int32_t increase = poolGrowthRule;
+};
+
+/// Holds the records of one insertion only, so it needs no growth.
+template <>
+struct SimplePoolTraits<TwoTetStruct> {
+    static constexpr std::int32_t initialSize = 1024;
+    static constexpr std::int32_t increase = 512;
+};
+
+/// Hands out slots for objects of type T from a few large blocks, and drops them all at once.
+///
+/// The slots are raw memory: the caller constructs what it puts there, and nothing is destructed.
+/// A slot stays where it is until `reset` or the end of the pool; single slots are never freed.
+///
+/// By the growth rule the second block has half the size of the first, and each further one twice
+/// the size of the last, up to about 100 MB; so n slots take O(log n) allocations.
+///
+/// Thread rule: a pool belongs to one owner and is used by one thread at a time.
+template <class T>
+class SimplePool {
+  public:
+    SimplePool() = default;
+    ~SimplePool() {
+        if (vBlocks.size() > 50)
+            std::cout << "SimplePool::~SimplePool: Number of containers to release: "
+                      << vBlocks.size() << std::endl;
+    }
+    SimplePool(const SimplePool&) = delete;
+    SimplePool& operator=(const SimplePool&) = delete;
+
+    /// Sets the pool up with its first block; to be called once, before `alloc`. A second call
+    /// prints a message and throws VarnException, and so does a lack of memory.
+    void init();
+
+    /// The next free slot, in constant amortised time. Where there is no memory for another block
+    /// it prints a message and throws VarnException; the pool is then as it was.
+    T* alloc() {
+        if (nextIndex + 1 < currentBlockSize) return pCurrentBlock + ++nextIndex;
+        return allocInNewBlock();
+    }
+
+    /// Takes all slots back. The first block is kept for reuse, the others are freed.
+    void reset();
+
+    /// The sizes of all blocks ever made, in slots and in the order of their making; `reset`
+    /// forgets none of them.
+    const std::vector<std::int32_t>& getBlockSizes() const { return vSizes; }
+
+    /// Calls f(T* pFirst, std::int32_t used) for each present block in the order of making: its
+    /// slots in use are pFirst[0] to pFirst[used - 1].
+    template <class F>
+    void forEachBlock(F f) const {
+        for (const Block& block : vBlocks) {
+            const bool isCurrent = &block == &vBlocks.back();
+            f(block.pSlots.get(), isCurrent ? nextIndex + 1 : block.size);
+        }
+    }
+
+  private:
+    using Traits = SimplePoolTraits<T>;
+    static_assert(Traits::initialSize > 1, "half of the first block must leave a slot");
+    static_assert(Traits::increase > 0 || Traits::increase == poolGrowthRule,
+                  "a further block must have a slot");
+
+    struct FreeBlock {
+        void operator()(T* pSlots) const { std::free(static_cast<void*>(pSlots)); }
+    };
+    struct Block {
+        std::unique_ptr<T, FreeBlock> pSlots;
+        std::int32_t size;
+    };
+
+    T* allocInNewBlock();
+    void addBlock(std::int32_t request);
+    std::int32_t getGrownSize() const;
+    void useLastBlock();
+
+    static constexpr std::size_t maximumBlockBytes = 100000000;
+    static constexpr std::int32_t maximumBlockSize =
+        static_cast<std::int32_t>(maximumBlockBytes / sizeof(T));
+
+    T* pCurrentBlock = nullptr;
+    std::int32_t nextIndex = -1;  // of the last slot handed out
+    std::int32_t currentBlockSize = 0;
+    bool initialized = false;
+    bool fresh = true;  // only the first block is in use
+    std::vector<Block> vBlocks;
+    std::vector<std::int32_t> vSizes;
+};
+
+template <class T>
+void SimplePool<T>::init() {
+    if (initialized) {
+        std::cout << "SimplePool::init(..), ERROR: This pool is already initialized" << std::endl;
+        varnAssertText(false, "false");
+    }
+    addBlock(Traits::initialSize);
+    initialized = true;
+}
+
+template <class T>
+T* SimplePool<T>::allocInNewBlock() {
+    varnAssertText(initialized, "initialized");
+    addBlock(Traits::increase);
+    fresh = false;
+    nextIndex = 0;
+    return pCurrentBlock;
+}
+
+template <class T>
+void SimplePool<T>::addBlock(std::int32_t request) {
+    const std::int32_t size = request >= 0 ? request : getGrownSize();
+    void* pMemory = std::malloc(static_cast<std::size_t>(size) * sizeof(T));
+    Block block{std::unique_ptr<T, FreeBlock>(static_cast<T*>(pMemory)), size};
+    if (pMemory == nullptr) {
+        std::cout << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
+        varnAssertText(false, "false");
+    }
+    vBlocks.push_back(std::move(block));
+    try {
+        vSizes.push_back(size);
+    } catch (...) {
+        vBlocks.pop_back();
+        throw;
+    }
+    useLastBlock();
+}
+
+template <class T>
+std::int32_t SimplePool<T>::getGrownSize() const {
+    varnAssertText(!vSizes.empty(), "!vSizes.empty()");
+    varnAssertText(vSizes.back() > 0, "vSizes.back()>0");
+    if (vSizes.size() == 1) return std::min(vSizes.back() / 2, maximumBlockSize);
+    return vSizes.back() > maximumBlockSize / 2 ? maximumBlockSize : 2 * vSizes.back();
+}
+
+template <class T>
+void SimplePool<T>::useLastBlock() {
+    pCurrentBlock = vBlocks.back().pSlots.get();
+    currentBlockSize = vBlocks.back().size;
+    nextIndex = -1;
+}
+
+template <class T>
+void SimplePool<T>::reset() {
+    nextIndex = -1;
+    if (fresh) return;
+    vBlocks.erase(vBlocks.begin() + 1, vBlocks.end());
+    useLastBlock();
+    fresh = true;
+}
+
+}  // namespace VARN3D

@@ -1,0 +1,62 @@
+#include "dt3Library/tools.h"
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+
+namespace VARN3D {
+
+namespace {
+
+void printMessage(const std::string& who, const std::string& kind, const std::string& text) {
+    std::cout << std::endl;
+    std::cout << "      " + who + ", " + kind + ": " + text << std::endl << std::endl;
+}
+
+/// The same path on every build, wherever the sources lie.
+std::string getPathInRepository(const std::string& file) {
+    const std::size_t start = file.rfind("dt3Library/");
+    return start == std::string::npos ? file : file.substr(start);
+}
+
+}  // namespace
+
+void printWarning(const std::string& who, const std::string& text) {
+    printMessage(who, "WARNING", text);
+}
+
+void printError(const std::string& who, const std::string& text) {
+    printMessage(who, "ERROR", text);
+}
+
+void conditionFailed(const char* condition, const char* file, int line) {
+    printError("Varn, ", std::string("Condition [ ") + condition + " failed ]");
+    std::cout << "      " << getPathInRepository(file) << ":" << line << std::endl;
+    throw VarnException();
+}
+
+void goToHell(const std::string& reason) {
+    printError("goToHell", " reason: " + reason);
+    // Volatile on both levels, or the compiler may assume that this point is never reached.
+    const volatile int* const volatile pNowhere = nullptr;
+    std::cout << *pNowhere << std::endl;
+    std::abort();  // where address 0 can be read
+}
+
+std::string getNextDumpPrefix() {
+    static std::atomic<std::int32_t> dumpNumber{0};
+    std::ostringstream prefix;
+    prefix << std::setw(5) << std::setfill('0') << dumpNumber.fetch_add(1) + 1 << "_";
+    return prefix.str();
+}
+
+void printBanner(const std::string& text) {
+    const std::string rule = std::string(text.length() + 36, '*') + "\n";
+    std::cout << "\n\n" + rule + rule + std::string(16, ' ') + text + "\n" + rule + rule
+              << std::flush;
+}
+
+}  // namespace VARN3D
