@@ -1,6 +1,6 @@
 #!/bin/sh
 # Builds the program varn3d and runs it on the shipped scan, installing what is missing (Debian).
-# Arguments are handed on to the program: scripts/run-example.sh --check --stats
+# Arguments are handed on to the program: scripts/run-example.sh --stats
 set -eu
 
 root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
@@ -15,5 +15,5 @@ cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DVARN3D_BUILD_TESTS=OFF
 cmake --build "$build" --target varn3d --parallel "$(nproc)" >"$build.log" 2>&1 ||
     { cat "$build.log" >&2; exit 1; }
 
-echo "varn3d examples/data/bunny.xyz $*"
-"$build/tools/varn3d" "$root/examples/data/bunny.xyz" "$@"
+echo "varn3d examples/data/bunny.xyz --check $*"
+"$build/tools/varn3d" "$root/examples/data/bunny.xyz" --check "$@"

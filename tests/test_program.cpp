@@ -236,7 +236,7 @@ TEST_F(Program, refusesWhatCannotWork) {
     write("u.xyz", unit);
     const std::string more = " (varn3d --help tells more)";
     expectRefused("", 2, "input is required" + more);
-    expectRefused("u.xyz --vkt o", 2, "The following arguments were not expected: --vkt o" + more);
+    expectRefused("u.xyz --vkt", 2, "The following argument was not expected: --vkt" + more);
     expectRefused("u.xyz --clip x=1", 2, "--clip needs --vtk, --medit or --tetgen");
     expectRefused("u.xyz --vtk o.vtk --clip x=1,5", 2,
                   "--clip: \"x=1,5\" is not like x=0.5, x<0.5 or x>0.5");

@@ -40,20 +40,20 @@ void Progress::report() {
     while (!ended.wait_for(lock, std::chrono::milliseconds(250), [this] { return bEnded; })) {
         const auto seconds =
             std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start).count();
-        if (seconds >= 1 && !currentWork.empty()) {
+        const std::string line = currentWork + ", " + std::to_string(seconds) + " s";
+        if (seconds >= 1 && !currentWork.empty() && line != shown) {
             erase();
-            std::fprintf(stderr, "%s, %lld s", currentWork.c_str(),
-                         static_cast<long long>(seconds));
-            bShown = true;
+            std::fputs(line.c_str(), stderr);
+            shown = line;
         }
     }
     erase();
 }
 
 void Progress::erase() {
-    if (bShown) {
+    if (!shown.empty()) {
         std::fputs("\r\033[K", stderr);
-        bShown = false;
+        shown.clear();
     }
 }
 

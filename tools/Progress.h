@@ -31,7 +31,7 @@ class Progress {
     std::mutex mutex;
     std::condition_variable ended;
     bool bEnded = false;
-    bool bShown = false;
+    std::string shown;
     std::string currentWork;
     Clock::time_point start = Clock::now();
     std::thread reporter;

@@ -180,7 +180,7 @@ void Program::printSummary() const {
     if (!options.clipPlanes.empty()) {
         std::printf("tetrahedra kept    %zu\n", numKept);
     }
-    std::printf("time               %.3f s\n", seconds);
+    std::printf("time               %.4f s\n", seconds);
     std::printf("points a second    %.0f\n", static_cast<double>(numPoints) / seconds);
     if (const std::uint64_t bytes = peakMemory()) {
         std::printf("peak memory        %.1f MiB\n", static_cast<double>(bytes) / (1024 * 1024));
