@@ -22,6 +22,11 @@ namespace {
 /// tetrahedron serves as well.
 constexpr std::size_t ENTRIES_SEARCHED = 32;
 
+double squaredDistance(const Point3& a, const Point3& b) {
+    const Vector3 d = a - b;
+    return d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
+}
+
 bool isFinite(const Point3& p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
 }
@@ -105,18 +110,11 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
         Point3*& pVtx = vVertices[position];
         if (starts.isReady()) pLastTet = starts.nearest(vVertices, position, pLastTet);
         engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
-        int steps = 0;
-        int located = walk(pVtx, pLastTet, steps);
-        numSteps += static_cast<std::size_t>(steps);
-        if (!starts.isReady() && numSteps > 64 * numInserted + 4096) {
+        const int located = locateConflictTet(pVtx, pLastTet, numSteps);
+        if (!starts.isReady() && numSteps > 32 * numInserted + 4096) {
             // The insertion order is no good guide through this batch.
             starts.prepare(vVertices, order, store.getBbox());
-            if (located == LOCATION_STOPPED) {
-                pLastTet = starts.nearest(vVertices, position, pLastTet);
-                located = walk(pVtx, pLastTet, steps = 0);
-            }
         }
-        if (located == LOCATION_STOPPED) stopWalk(pLastTet);
         pLastTet = insertLocated(pVtx, pLastTet, located);
     }
 }
@@ -211,11 +209,57 @@ bool Dt3::findStartUpSimplex(const std::vector<Point3*>& vVertices, Point3* simp
 // ---- Location ----------------------------------------------------------------------------------
 
 int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet) const {
+    std::size_t steps = 0;
+    return locateConflictTet(pVtx, pStartTet, steps);
+}
+
+/// The same, adding to the count of facets tested. A walk that grows long (flat tetrahedra can lead
+/// it astray, mostly along the hull of elongated sets) begins anew beside the point before the
+/// watchdog would stop it.
+int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet, std::size_t& numSteps) const {
     if (pStartTet == nullptr) goToHell("locateConflictTet");
-    int steps = 0;
-    const int located = walk(pVtx, pStartTet, steps);
+    int located = walk(pVtx, pStartTet, MAX_STEPS / 10, numSteps);
+    if (located == LOCATION_STOPPED) {
+        pStartTet = tetAtNearestVertex(*pVtx, pStartTet);
+        located = walk(pVtx, pStartTet, MAX_STEPS, numSteps);
+    }
     if (located == LOCATION_STOPPED) stopWalk(pStartTet);
     return located;
+}
+
+/// Goes from vertex to neighbouring vertex as long as that comes nearer to the point; in a Delaunay
+/// mesh this ends at the vertex nearest of all. Returns a tetrahedron there, if possible the one
+/// in which the point lies as seen from that vertex.
+Tet3* Dt3::tetAtNearestVertex(const Point3& point, Tet3* pTet) const {
+    Point3* nearest = MeshAccess::corner(pTet, 0);
+    double distance = squaredDistance(*nearest, point);
+    std::vector<Tet3*> star{pTet};
+    for (const Point3* centre = nullptr; centre != nearest;) {
+        if (centre != nullptr) {
+            star.clear();
+            getTetsAroundVertex(nearest, star);
+        }
+        centre = nearest;
+        for (const Tet3* tet : star) {
+            for (int i = 0; i < 4; ++i) {
+                Point3* corner = MeshAccess::corner(tet, i);
+                const double cornerDistance = squaredDistance(*corner, point);
+                if (!(cornerDistance < distance)) continue;
+                distance = cornerDistance;
+                nearest = corner;
+            }
+        }
+    }
+    star.clear();
+    getTetsAroundVertex(nearest, star);
+    for (Tet3* tet : star) {
+        bool bSeen = true;
+        for (int i = 0; i < 4 && bSeen; ++i)
+            bSeen = MeshAccess::corner(tet, i) == nearest ||
+                    predicates.getOrientation3(tet, i, &point) != ORIENTATION3_NEGATIVE;
+        if (bSeen) return tet;
+    }
+    return star.front();
 }
 
 /// The watchdog's report. It also moves one step at random, for a caller who tries again.
@@ -226,14 +270,14 @@ void Dt3::stopWalk(Tet3*& pTet) {
 }
 
 /// A visibility walk (Devillers, Pion and Teillaud, Walking in a triangulation, 2002): it crosses
-/// the first facet that has the point on its outer side. `steps` counts the facets tested; after
-/// MAX_STEPS it gives up.
-int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int& steps) const {
+/// the first facet that has the point on its outer side. After maxSteps facets it gives up.
+int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& numSteps) const {
     VARN3D_TIME(secondsWalk);
     int facet = 0;
     int untested = 4;
     int located = LOCATION_STOPPED;
-    while (++steps <= MAX_STEPS) {
+    int steps = 0;
+    while (++steps <= maxSteps) {
         const Orientation3 side = predicates.getOrientation3(pStartTet, facet, pVtx);
         if (side == ORIENTATION3_NEGATIVE) {
             Tet3* next = MeshAccess::neighbour(pStartTet, facet);
@@ -259,6 +303,7 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int& steps) const {
         }
     }
     VARN3D_COUNT_WALK(steps);
+    numSteps += static_cast<std::size_t>(steps);
     return located;
 }
 
