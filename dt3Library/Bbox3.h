@@ -32,23 +32,32 @@ class VARN3D_EXPORT Bbox3 {
     /// Grows this box, the left operand, over the other one and returns a copy of it.
     Bbox3 operator+(Bbox3& other);
 
+    /// @{
+    /// The corner with the smallest or the largest coordinates.
     Point3 getMinPoint() const;
     Point3 getMaxPoint() const;
+    /// @}
     /// The smallest of the three minima.
     double getMinCoord() const;
     /// The largest of the three maxima.
     double getMaxCoord() const;
+    /// @{
+    /// The extent along an axis.
     double getRangeX() const { return maxX - minX; }
     double getRangeY() const { return maxY - minY; }
     double getRangeZ() const { return maxZ - minZ; }
+    /// @}
     /// The largest of the three extents.
     double getMaxRange() const;
+    /// @{
+    /// A bound along an axis.
     double getMinX() const { return minX; }
     double getMinY() const { return minY; }
     double getMinZ() const { return minZ; }
     double getMaxX() const { return maxX; }
     double getMaxY() const { return maxY; }
     double getMaxZ() const { return maxZ; }
+    /// @}
 
     /// Prints "Bbox3: (minima) -> (maxima)" and a line end on standard output.
     void debug() const;

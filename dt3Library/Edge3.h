@@ -16,16 +16,26 @@ class VARN3D_EXPORT Edge3 {
     /// Indices outside 0..3 throw VarnException.
     Edge3(Tet3* pTheTet, int opp3, int opp2);
 
+    /// The tetrahedron through which the edge was named.
     Tet3* getTet() const { return pTet; }
+    /// The index of the corner opposite the facet on which the edge lies.
     int getOpp3Index() const { return opp3ICI; }
+    /// The index of that facet's corner opposite the edge.
     int getOpp2Index() const { return opp2ICI; }
+    /// @{
+    /// The corner index, 0 to 3, of an end of the edge.
     int getSourceIndex() const;
     int getTargetIndex() const;
+    /// @}
+    /// @{
+    /// The vertex at an end of the edge.
     Point3* getSourceVtx() const { return pTet->getCorner(getSourceIndex()); }
     Point3* getTargetVtx() const { return pTet->getCorner(getTargetIndex()); }
+    /// @}
 
     /// The same end points in either direction; the tetrahedra may differ.
     bool operator==(const Edge3& other) const;
+    /// The opposite of `==`.
     bool operator!=(const Edge3& other) const { return !(*this == other); }
     /// By the addresses of the end points, so that sets identify an edge however it was named.
     bool operator<(const Edge3& other) const;

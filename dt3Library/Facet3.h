@@ -9,8 +9,10 @@ namespace VARN3D {
 /// A value that owns nothing and means nothing any more once the mesh changes.
 class VARN3D_EXPORT Facet3 {
   public:
+    /// The facet opposite corner opp3 (0 to 3, not checked).
     Facet3(Tet3* pTheTet, int opp3) : pTet(pTheTet), opp3ICI(opp3) {}
 
+    /// The tetrahedron through which the facet was named.
     Tet3* getTet() const { return pTet; }
     /// The index of the corner opposite the facet.
     int getOpp3Index() const { return opp3ICI; }
@@ -24,6 +26,7 @@ class VARN3D_EXPORT Facet3 {
 
     /// The same facet, from the same or from the other side.
     bool operator==(const Facet3& other) const;
+    /// The opposite of `==`.
     bool operator!=(const Facet3& other) const { return !(*this == other); }
 
   private:

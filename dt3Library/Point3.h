@@ -21,6 +21,7 @@ class VARN3D_EXPORT Point3 {
   public:
     /// An unset point: all coordinates at the most negative finite double, below every real point.
     Point3();
+    /// The point (x, y, z), without tetrahedron and with index -1.
     Point3(double x, double y, double z) : xx(x), yy(y), zz(z) {}
 
     /// Copies coordinates and index; a copy is never a mesh vertex, so its tetrahedron is null.
@@ -34,14 +35,18 @@ class VARN3D_EXPORT Point3 {
     /// Overwrites the coordinates only.
     void exchange(double x, double y, double z);
 
+    /// @{
+    /// A coordinate.
     double x() const { return xx; }
     double y() const { return yy; }
     double z() const { return zz; }
+    /// @}
     /// Writes the three coordinates out.
     void xyz(double& x, double& y, double& z) const;
 
     /// One tetrahedron incident to this vertex; null while the point is no vertex of the mesh.
     Tet3* getOneTet() const { return pOneTet; }
+    /// For the engine: sets that tetrahedron. A host that does so breaks its mesh.
     void setOneTet(Tet3* pTet) { pOneTet = pTet; }
 
     /// The point moved by v, without tetrahedron and with index -1.

@@ -58,6 +58,7 @@ class VARN3D_EXPORT Tet3 {
     }
     /// Replaces a corner; the point's incident tetrahedron stays as it is.
     void setCorner(int ith, Point3* p);
+    /// Writes out all four corners.
     void getCorners(Point3*& p0, Point3*& p1, Point3*& p2, Point3*& p3) const;
     /// The index of a corner, by address. If pp is none: a failed check, VarnException.
     int getIntraTetIndex(const Point3* pp) const;
@@ -107,6 +108,7 @@ class VARN3D_EXPORT Tet3 {
 
     /// A tag for the host: -1 in a new tetrahedron, never read by the library.
     int getCustomIndex() const { return customIndex; }
+    /// Sets that tag.
     void setCustomIndex(int value) { customIndex = value; }
 
   private:

@@ -18,6 +18,7 @@ class VARN3D_EXPORT Triangle3 {
     Point3* getCorner(int i) const;
     /// The neighbour opposite corner i; null if there is none.
     Triangle3* getNeig(int i) const;
+    /// Sets that neighbour; null is allowed. The other side is the caller's business.
     void setNeig(int i, Triangle3* p);
 
     /// The index of a corner; -999 and a line on standard error if p is none.

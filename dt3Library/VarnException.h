@@ -10,6 +10,7 @@ namespace VARN3D {
 /// standard output.
 class VARN3D_EXPORT VarnException : public std::exception {
   public:
+    /// Always the same text, with an address to report faults to.
     const char* what() const noexcept override;
 };
 

@@ -21,35 +21,102 @@ namespace VARN3D {
 
 class Dt3;
 
-/// The Delaunay tetrahedralisation of a set of points.
+/// The Delaunay tetrahedralisation of a set of points: no vertex lies strictly inside the
+/// circumsphere of a tetrahedron, and the tetrahedra fill the convex hull of the points.
+///
+/// It owns the vertices and tetrahedra that it hands out: vertices are valid until it is destroyed,
+/// tetrahedra until the next insertion. While all points lie in a plane there are no tetrahedra;
+/// the vertices wait. All decisions are exact, so any finite coordinates will do, and the same
+/// insertions give the same mesh everywhere.
+///
+/// The algorithm is incremental insertion (Bowyer 1981, Watson 1981) along a Hilbert curve in
+/// rounds (after Amenta, Choi and Rote, Incremental constructions con BRIO, 2003) with exact
+/// predicates (Shewchuk, Adaptive precision floating-point arithmetic, 1997).
+///
+/// A failed check prints the condition and throws VarnException; std::bad_alloc is passed on. When
+/// an insertion has thrown, vertices can still be read; but for that, the object can only be
+/// destroyed. Used by one thread at a time; different objects may be used by different threads.
 class VARN3D_EXPORT Varn_3D {
   public:
+    /// A triangulation without points.
     Varn_3D();
+    /// Frees all vertices and tetrahedra.
     ~Varn_3D();
     Varn_3D(const Varn_3D&) = delete;
     Varn_3D& operator=(const Varn_3D&) = delete;
 
+    /// Whether there are tetrahedra, which is so once a batch or a point was inserted that doesn't
+    /// lie in one plane with all before. O(1).
     bool is3D() const;
+
+    /// Inserts a batch. vUserHandles gets one vertex for each point, in input order; points with
+    /// equal coordinates get the same one, which may be from an earlier insertion. If vUserHandles
+    /// is not empty, prints a warning and empties it first. Vertices that were waiting join the
+    /// mesh with the batch that makes the first tetrahedron.
+    ///
+    /// Prints "numPoints=" and the number of points. A coordinate that is not finite is a failed
+    /// check before anything is stored. O(n log n) expected for n points of which all but few lie
+    /// as if at random in space; O(n^2) at worst, as the mesh itself may be of that size.
     void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+    /// The same without the vertices.
     void insert(std::vector<Point3>& vInputPoints);
+
+    /// Inserts one point and returns its vertex, or the one that has these coordinates already.
+    /// Vertices that wait when it makes the first tetrahedron go on waiting, apart from that
+    /// tetrahedron's corners, and a line says "Attention: triangulate has got an empty vector". A
+    /// coordinate that is not finite is a failed check. O(log n) to find the place, and time in
+    /// proportion to the tetrahedra that change.
     Point3* insert(Point3& point);
+
+    /// The tetrahedron that holds a point, in its inside, on its boundary or at a corner. Null
+    /// while there is no tetrahedron, outside the convex hull, and on its surface unless at a
+    /// vertex. Not const: makes a search table when it is needed for the first time after a batch,
+    /// O(n log n); otherwise O(log n) and a short walk. A coordinate that is not finite is a failed
+    /// check.
     Tet3* locate(const Point3& point);
+
+    /// Appends all vertices, those that wait included, each once, along the Hilbert curve. O(n).
     void getVertices(std::vector<Point3*>& vVertices) const;
+
+    /// Lists all tetrahedra. vTets must be empty, a failed check otherwise. While there are none,
+    /// prints "Dt3::getAllTetrahedra(), oneTet==NULL". O(n).
     void getTetrahedra(std::vector<Tet3*>& vTets) const;
+
+    /// Appends the tetrahedra that have a vertex of this mesh as a corner, each once. Prints an
+    /// error and adds nothing for a vertex that waits. Linear in their number.
     void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets);
+
+    /// Checks every tetrahedron: each neighbour's opposite vertex lies beyond the shared facet,
+    /// and, if checkSphereInc, not inside the circumsphere. Prints what it does, under the name
+    /// `location`. At the first fault prints it, writes a Geomview file of it in the current
+    /// directory ("00001_negSideBug.list", "00002_sphereIncBug.list": the number counts the
+    /// process's dumps) and returns false. O(n).
     bool checkValidity(const std::string& location, bool checkSphereInc);
+
+    /// Prints all tetrahedra on standard output, under the label. O(n).
     void print(const std::string& label);
+
+    /// Writes all tetrahedra to a file in Geomview's OOGL format, and marks pVertex unless it is
+    /// null. A file that can't be opened ends the process with exit code 1. O(n).
     void show(const std::string& filename, Point3* pVertex);
+
+    /// Whether batch insertion announces itself on standard output; false at first. Warnings and
+    /// errors are printed in any case.
     void setVerbosity(bool bVerbose);
 
   private:
     Dt3* pDt3;
 };
 
+/// Whether this is a release build: false.
 VARN3D_EXPORT bool isRelease();
+/// @{
+/// A part of the library's version.
 VARN3D_EXPORT int getMajorVersionNumber();
 VARN3D_EXPORT int getMinorVersionNumber();
 VARN3D_EXPORT int getRevisionNumber();
+/// @}
+/// The library's version, as in "Varn3D, DEBUG, v0.99.0".
 VARN3D_EXPORT std::string getVarn3DVersion();
 
 }  // namespace VARN3D

@@ -7,14 +7,22 @@ namespace VARN3D {
 /// A direction in space: the difference of two points.
 class VARN3D_EXPORT Vector3 {
   public:
+    /// The null vector.
     Vector3() : Vector3(0.0, 0.0, 0.0) {}
+    /// The vector (x, y, z).
     Vector3(double x, double y, double z) : xx(x), yy(y), zz(z) {}
 
+    /// @{
+    /// A component.
     double x() const { return xx; }
     double y() const { return yy; }
     double z() const { return zz; }
+    /// @}
 
   private:
+    friend Vector3 normalize(const Vector3& v);
+    Vector3 unit() const;
+
     double xx;
     double yy;
     double zz;
@@ -22,6 +30,8 @@ class VARN3D_EXPORT Vector3 {
 
 /// v scaled to length 1. A vector of length 0 gives (0, 0, 0) and a warning line on standard
 /// output.
-VARN3D_EXPORT Vector3 normalize(const Vector3& v);
+inline Vector3 normalize(const Vector3& v) {
+    return v.unit();
+}
 
 }  // namespace VARN3D
