@@ -26,8 +26,12 @@ std::string getNextDumpPrefix();
 /// the repository's root: what stands before the last "dt3Library/" is not printed.
 [[noreturn]] void conditionFailed(const char* condition, const char* file, int line);
 
-inline bool range03(int ith) { return ith >= 0 && ith <= 3; }
-inline bool range02(int ith) { return ith >= 0 && ith <= 2; }
+inline bool range03(int ith) {
+    return ith >= 0 && ith <= 3;
+}
+inline bool range02(int ith) {
+    return ith >= 0 && ith <= 2;
+}
 
 }  // namespace VARN3D
 
