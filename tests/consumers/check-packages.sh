@@ -1,0 +1,29 @@
+#!/bin/sh
+# check-packages.sh CPACK BUILD_DIRECTORY SCRATCH: the packages hold the library, the Debian one
+# installs and leaves nothing behind when it is removed. It goes below SCRATCH, not into the system.
+set -eu
+
+build=$2
+scratch=$3
+rm -rf "$scratch"
+mkdir -p "$scratch/root/var/lib/dpkg/updates" "$scratch/root/var/lib/dpkg/info" "$scratch/tar"
+touch "$scratch/root/var/lib/dpkg/status"
+(cd "$build" && "$1" -B "$scratch") >"$scratch/cpack.log" 2>&1 ||
+    { cat "$scratch/cpack.log"; exit 1; }
+
+installed() { (cd "$1" && find . ! -type d ! -path './var/*' | sort); }
+below_root() {
+    fakeroot dpkg --root="$scratch/root" --force-not-root --force-depends --force-script-chrootless \
+        --log=/dev/null "$@" >/dev/null
+}
+
+tar -C "$scratch/tar" --strip-components=1 -xzf "$scratch"/varn3d-*.tar.gz
+below_root --install "$scratch"/varn3d_*.deb
+installed "$scratch/root"
+installed "$scratch/root/usr" >"$scratch/from-deb"
+installed "$scratch/tar" | diff - "$scratch/from-deb"
+grep -q '^\./include/dt3Library/Varn_3D\.h$' "$scratch/from-deb"
+grep -q '/libvarn3d\.' "$scratch/from-deb"
+
+below_root --purge varn3d
+[ -z "$(installed "$scratch/root")" ]
