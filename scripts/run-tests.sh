@@ -7,7 +7,8 @@ root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
 cd "$root"
 . scripts/packages.sh
 
-install_missing g++ clang make cmake libcli11-dev libgtest-dev libgmock-dev libgmp-dev
+install_missing g++ clang make cmake libcli11-dev libgtest-dev libgmock-dev libgmp-dev pkg-config \
+    dpkg-dev fakeroot
 [ $# -gt 0 ] || set -- release
 for preset in "$@"; do
     echo "== $preset"
