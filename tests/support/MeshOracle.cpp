@@ -1,0 +1,257 @@
+#include "MeshOracle.h"
+
+#include <gmpxx.h>
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <map>
+#include <set>
+
+#include "CaptureOutput.h"
+#include "Exact.h"
+#include "MeshDigest.h"
+#include "dt3Library/MeshAccess.h"
+
+namespace support {
+
+using namespace VARN3D;
+
+namespace {
+
+constexpr std::size_t MAX_HULL_POINTS = 40;
+
+using Vertices = std::vector<Point3*>;
+
+/// Six times the volume of a tetrahedron.
+mpq_class sixVolumes(const Point3& a, const Point3& b, const Point3& c, const Point3& d) {
+    const auto minus = [&a](const Point3& p) {
+        return std::array<mpq_class, 3>{mpq_class(p.x()) - mpq_class(a.x()),
+                                        mpq_class(p.y()) - mpq_class(a.y()),
+                                        mpq_class(p.z()) - mpq_class(a.z())};
+    };
+    const auto u = minus(b);
+    const auto v = minus(c);
+    const auto w = minus(d);
+    const mpq_class determinant = u[0] * (v[1] * w[2] - v[2] * w[1]) +
+                                  u[1] * (v[2] * w[0] - v[0] * w[2]) +
+                                  u[2] * (v[0] * w[1] - v[1] * w[0]);
+    return abs(determinant);
+}
+
+/// The pyramid from `apex` over the hull of some points of one plane. `beyond` lies off the plane.
+mpq_class sixPyramids(const Vertices& face, const Point3& beyond, const Point3& apex) {
+    mpq_class sum = 0;
+    for (const Point3* u : face)
+        for (const Point3* v : face) {
+            // An edge: everything else lies to its left, or between its ends.
+            const bool bEdge = u != v && std::all_of(face.begin(), face.end(), [&](Point3* w) {
+                                   const int side = exactOrientation(*u, *v, *w, beyond);
+                                   return side > 0 || (side == 0 && !(*w < std::min(*u, *v)) &&
+                                                       !(std::max(*u, *v) < *w));
+                               });
+            if (bEdge) sum += sixVolumes(apex, *face.front(), *u, *v);
+        }
+    return sum;
+}
+
+/// Of distinct points that are not coplanar, from their supporting planes.
+mpq_class sixHullVolumes(const Vertices& vertices) {
+    mpq_class sum = 0;
+    std::set<Vertices> faces;
+    const std::size_t n = vertices.size();
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = i + 1; j < n; ++j)
+            for (std::size_t k = j + 1; k < n; ++k) {
+                Vertices face;
+                const Point3* beyond = nullptr;
+                int firstSide = 0;
+                bool bSupporting = true;
+                for (std::size_t l = 0; l < n && bSupporting; ++l) {
+                    const int side =
+                        exactOrientation(*vertices[i], *vertices[j], *vertices[k], *vertices[l]);
+                    if (side == 0) {
+                        face.push_back(vertices[l]);
+                        continue;
+                    }
+                    bSupporting = side * firstSide >= 0;
+                    firstSide = side;
+                    beyond = vertices[l];
+                }
+                // Collinear triples span no plane.
+                if (bSupporting && beyond != nullptr && faces.insert(face).second)
+                    sum += sixPyramids(face, *beyond, *vertices[0]);
+            }
+    return sum;
+}
+
+class Oracle {
+  public:
+    Oracle(Varn_3D& theMesh, const std::vector<Point3>& thePoints, const Vertices& theHandles)
+        : mesh(theMesh), points(thePoints), handles(theHandles) {}
+
+    std::string findFault(std::size_t numPending) {
+        const std::function<void()> checks[] = {
+            [&] { checkHandles(); },    [&] { checkDimension(numPending); },
+            [&] { checkTetrahedra(); }, [&] { checkNeighbours(); },
+            [&] { checkHull(); },       [&] { checkSpheres(); },
+            [&] { checkStars(); },      [&] { checkOwnCheck(); }};
+        for (const auto& check : checks) {
+            check();
+            if (!fault.empty() || !mesh.is3D()) break;
+        }
+        if (fault.empty() && !mesh.is3D()) checkDimension(numPending);
+        return fault;
+    }
+
+  private:
+    void require(bool bHolds, const char* what) {
+        if (!bHolds && fault.empty()) fault = what;
+    }
+
+    void checkHandles() {
+        require(handles.size() == points.size(), "as many handles as points");
+        std::map<Coordinates, Point3*> vertexAt;
+        for (std::size_t i = 0; i < points.size() && fault.empty(); ++i) {
+            require(*handles[i] == points[i], "a handle reads its point");
+            const auto place = vertexAt.emplace(coordinatesOf(points[i]), handles[i]).first;
+            require(place->second == handles[i], "equal points have one handle");
+        }
+        Vertices listed;
+        mesh.getVertices(listed);
+        const std::set<Point3*> stored(listed.begin(), listed.end());
+        require(stored.size() == listed.size(), "each vertex is listed once");
+        require(stored == std::set<Point3*>(handles.begin(), handles.end()),
+                "the vertices are the handles");
+        require(stored.size() == vertexAt.size(), "distinct points have distinct handles");
+        for (Point3* v : listed)
+            if (v->getOneTet() != nullptr) vertices.push_back(v);
+        numWithoutTet = listed.size() - vertices.size();
+    }
+
+    void checkDimension(std::size_t numPending) {
+        if (!mesh.is3D()) {
+            require(vertices.empty() && areCoplanar(points), "no tetrahedron of coplanar points");
+            outputOf([&] { mesh.getTetrahedra(tets); });
+            require(tets.empty(), "no tetrahedra are listed");
+            return;
+        }
+        require(numWithoutTet == numPending, "as many pending vertices as expected");
+        mesh.getTetrahedra(tets);
+        require(!tets.empty(), "tetrahedra are listed");
+    }
+
+    void checkTetrahedra() {
+        require(std::is_sorted(tets.begin(), tets.end(), std::less<>()) &&
+                    std::adjacent_find(tets.begin(), tets.end()) == tets.end(),
+                "tetrahedra are listed once, by address");
+        const std::set<Point3*> known(vertices.begin(), vertices.end());
+        for (const Tet3* t : tets) {
+            require(!MeshAccess::visited(t), "no marks are left");
+            for (int i = 0; i < 4; ++i)
+                require(known.count(t->getCorner(i)) == 1, "corners are vertices of the mesh");
+            require(orientation(t, 3, t->getCorner(3)) > 0, "tetrahedra are positive");
+        }
+        for (const Point3* v : vertices)
+            require(std::binary_search(tets.begin(), tets.end(), v->getOneTet(), std::less<>()) &&
+                        v->getOneTet()->hasVertex(v),
+                    "a vertex knows a tetrahedron of its own");
+    }
+
+    /// Positive if p lies on the inner side of facet i.
+    static int orientation(const Tet3* t, int i, const Point3* p) {
+        Point3 corners[4];
+        for (int k = 0; k < 4; ++k) corners[k] = *t->getCorner(k);
+        corners[i] = *p;
+        return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
+    }
+
+    void checkNeighbours() {
+        std::map<std::set<Point3*>, std::vector<std::pair<Tet3*, int>>> facets;
+        for (Tet3* t : tets)
+            for (int i = 0; i < 4; ++i) {
+                std::set<Point3*> corners;
+                for (int k = 0; k < 4; ++k)
+                    if (k != i) corners.insert(t->getCorner(k));
+                facets[corners].emplace_back(t, i);
+            }
+        for (const auto& [corners, sides] : facets) {
+            require(corners.size() == 3 && sides.size() <= 2, "a facet has at most two sides");
+            const auto [t, i] = sides.front();
+            const bool bHull = sides.size() == 1;
+            require(t->getOppTet(i) == (bHull ? nullptr : sides.back().first) &&
+                        (bHull || sides.back().first->getOppTet(sides.back().second) == t),
+                    "neighbours are those across the facet");
+            if (bHull) hullFacets.push_back(sides.front());
+        }
+    }
+
+    void checkHull() {
+        for (const auto& [t, i] : hullFacets)
+            for (const Point3* v : vertices)
+                require(orientation(t, i, v) >= 0, "no vertex beyond the hull");
+        if (vertices.size() > MAX_HULL_POINTS || !fault.empty()) return;
+        mpq_class sum = 0;
+        for (const Tet3* t : tets)
+            sum +=
+                sixVolumes(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2), *t->getCorner(3));
+        require(sum == sixHullVolumes(vertices), "the tetrahedra fill the hull");
+    }
+
+    void checkSpheres() {
+        for (const Tet3* t : tets)
+            for (const Point3* v : vertices)
+                require(exactInSphere(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2),
+                                      *t->getCorner(3), *v) <= 0,
+                        "circumspheres are empty");
+    }
+
+    void checkStars() {
+        std::map<const Point3*, std::set<Tet3*>> stars;
+        for (Tet3* t : tets)
+            for (int i = 0; i < 4; ++i) stars[t->getCorner(i)].insert(t);
+        for (Point3* v : vertices) {
+            std::vector<Tet3*> star;
+            mesh.getTetsAroundVertex(v, star);
+            require(std::set<Tet3*>(star.begin(), star.end()) == stars[v] &&
+                        star.size() == stars[v].size() && star.front() == v->getOneTet(),
+                    "stars are complete");
+        }
+    }
+
+    void checkOwnCheck() {
+        bool bValid = false;
+        outputOf([&] { bValid = mesh.checkValidity("oracle", true); });
+        require(bValid, "the library's check passes");
+    }
+
+    Varn_3D& mesh;
+    const std::vector<Point3>& points;
+    const Vertices& handles;
+    /// In the mesh, not pending.
+    Vertices vertices;
+    std::size_t numWithoutTet = 0;
+    std::vector<Tet3*> tets;
+    std::vector<std::pair<Tet3*, int>> hullFacets;
+    std::string fault;
+};
+
+}  // namespace
+
+std::string findMeshFault(Varn_3D& mesh, const std::vector<Point3>& points,
+                          const std::vector<Point3*>& handles, std::size_t numPending) {
+    return Oracle(mesh, points, handles).findFault(numPending);
+}
+
+bool areCoplanar(const std::vector<Point3>& points) {
+    const auto second = std::find_if(points.begin(), points.end(),
+                                     [&](const Point3& p) { return !(p == points.front()); });
+    if (second == points.end()) return true;
+    // Any two distinct points of a set that spans space belong to four that do.
+    for (const Point3& c : points)
+        for (const Point3& d : points)
+            if (exactOrientation(points.front(), *second, c, d) != 0) return false;
+    return true;
+}
+
+}  // namespace support

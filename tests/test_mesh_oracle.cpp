@@ -1,0 +1,186 @@
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <set>
+
+#include "dt3Library/Varn_3D.h"
+#include "support/CaptureOutput.h"
+#include "support/MeshDigest.h"
+#include "support/MeshOracle.h"
+#include "support/PointSets.h"
+
+namespace {
+
+using namespace VARN3D;
+using namespace support;
+
+/// A mesh that keeps what has been inserted, and knows which vertices must be pending: those that
+/// waited when a single insertion made the first tetrahedron, until they are inserted again.
+class Recorder {
+  public:
+    void batch(Points input) {
+        std::vector<Point3*> found;
+        outputOf([&] { mesh.insert(input, found); });
+        points = std::move(points) + input;
+        handles.insert(handles.end(), found.begin(), found.end());
+    }
+    void singles(const Points& input) {
+        for (Point3 p : input) {
+            const bool bWas3D = mesh.is3D();
+            outputOf([&] { handles.push_back(mesh.insert(p)); });
+            points.push_back(p);
+            pending.erase(handles.back());
+            if (mesh.is3D() && !bWas3D) {
+                const std::set<Point3*> stored(handles.begin(), handles.end());
+                for (Point3* v : stored)
+                    if (v->getOneTet() == nullptr) pending.insert(v);
+                EXPECT_EQ(pending.size() + 4, stored.size());
+            }
+        }
+    }
+    std::string findFault() { return findMeshFault(mesh, points, handles, pending.size()); }
+
+    Varn_3D mesh;
+    Points points;
+    std::vector<Point3*> handles;
+    std::set<Point3*> pending;
+};
+
+using Mode = void (*)(Recorder&, const Points&);
+struct NamedMode {
+    const char* name;
+    Mode insert;
+    friend void PrintTo(const NamedMode& mode, std::ostream* out) { *out << mode.name; }
+};
+
+Points part(const Points& points, std::size_t k, std::size_t ofParts) {
+    const auto at = [&](std::size_t i) {
+        return points.begin() + static_cast<std::ptrdiff_t>(points.size() * i / ofParts);
+    };
+    return {at(k), at(k + 1)};
+}
+
+const NamedMode MODES[] = {
+    {"batch", [](Recorder& r, const Points& p) { r.batch(p); }},
+    {"reversedBatch", [](Recorder& r, const Points& p) { r.batch(reversed(p)); }},
+    {"singles", [](Recorder& r, const Points& p) { r.singles(p); }},
+    {"threeBatches",
+     [](Recorder& r, const Points& p) {
+         for (std::size_t k = 0; k < 3; ++k) r.batch(part(p, k, 3));
+     }},
+    {"batchThenSingles",
+     [](Recorder& r, const Points& p) {
+         r.batch(part(p, 0, 2));
+         r.singles(part(p, 1, 2));
+     }},
+    {"singlesThenBatchThenAllAgain",
+     [](Recorder& r, const Points& p) {
+         r.singles(part(p, 0, 3));
+         r.batch(part(p, 1, 3) + part(p, 2, 3));
+         r.batch(p);
+         r.singles(p);
+     }},
+};
+
+class MeshOracle : public testing::TestWithParam<NamedMode> {};
+const auto nameOfMode = [](const auto& mode) { return mode.param.name; };
+INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES), nameOfMode);
+
+TEST_P(MeshOracle, smallLattices) {
+    for (std::uint64_t seed = 0; seed < 60; ++seed) {
+        Random r(seed);
+        const int n = 4 + r.below(30);
+        const Points points = lattice(static_cast<std::size_t>(n), 1 + r.below(4), 2 + r.below(3),
+                                      2 + r.below(4), seed);
+        Recorder recorder;
+        GetParam().insert(recorder, points);
+        ASSERT_EQ(recorder.findFault(), "") << "seed " << seed << ", " << n << " points";
+    }
+}
+
+TEST_P(MeshOracle, degenerateLadder) {
+    const struct {
+        const char* name;
+        Points points;
+        bool b3D;
+    } ladder[] = {
+        {"nothing", {}, false},
+        {"one point", uniform(1, 1), false},
+        {"two points", uniform(2, 2), false},
+        {"three points", uniform(3, 3), false},
+        {"four points", uniform(4, 4), true},
+        {"one point 40 times", Points(40, Point3(0.1, 0.2, 0.3)), false},
+        {"negative zeros", {{0, -0.0, 0}, {-0.0, 0.0, 0.0}, {0, 0, -0.0}}, false},
+        {"collinear", lattice(30, 50, 1, 1, 5), false},
+        {"collinear in space", {{0, 0, 0}, {3, 6, 9}, {1, 2, 3}, {5, 10, 15}, {2, 4, 6}}, false},
+        {"coplanar", planar(30, 6, 6), false},
+        {"planar grid", grid(6, 6, 1), false},
+        {"line and one point", lattice(30, 50, 1, 1, 7) + Points{{0, 1, 0}}, false},
+        {"plane and one point", planar(30, 6, 8) + Points{{1, 1, 1}}, true},
+        {"one point and a plane", Points{{1, 1, 1}} + planar(30, 6, 9), true},
+        {"two layers", shuffled(grid(4, 4, 2), 10), true},
+        {"grid", grid(4, 4, 4), true},
+        {"shuffled grid", shuffled(grid(4, 4, 4, 0.1), 11), true},
+        {"grid twice", shuffled(grid(3, 3, 3) + grid(3, 3, 3), 12), true},
+        {"integer sphere", shuffled(integerSphere(14), 13), true},
+        {"sphere and centre", integerSphere(9) + Points{{0, 0, 0}}, true},
+        {"nearly a sphere", sphere(40, 14), true},
+        {"skew segments", skewSegments(12), true},
+        {"helix", helix(40), true},
+        {"last bits", uniform(40, 15, 1.0, 1.0 + 0x1p-49), true},
+        {"far apart", uniform(20, 16) + uniform(20, 17, 1e12, 2e12), true},
+    };
+    for (const auto& [name, points, b3D] : ladder) {
+        Recorder recorder;
+        GetParam().insert(recorder, points);
+        EXPECT_EQ(recorder.findFault(), "") << name;
+        EXPECT_EQ(recorder.mesh.is3D(), b3D) << name;
+    }
+}
+
+// In general position the mesh is a property of the points, however they come; `findFault` proves
+// the rest.
+TEST(MeshOracleDigest, generalPositionHasOneMesh) {
+    const Points points = gaussian(150, 20);
+    const Points orders[] = {points, reversed(points), shuffled(points, 21)};
+    std::set<PlainMesh> meshes;
+    for (const Points& order : orders)
+        for (const Mode insert : {MODES[0].insert, MODES[3].insert, MODES[4].insert}) {
+            Recorder recorder;
+            insert(recorder, order);
+            meshes.insert(plainMesh(labelledMesh(recorder.mesh, 0)));
+        }
+    EXPECT_EQ(meshes.size(), 1U);
+    Recorder recorder;
+    recorder.batch(points);
+    EXPECT_EQ(recorder.findFault(), "");
+}
+
+// The same value on every compiler, optimisation level and processor.
+TEST(MeshOracleDigest, sameMeshEverywhere) {
+    const struct {
+        const char* name;
+        Points points;
+        std::uint64_t digest;
+    } expected[] = {
+        {"uniform", uniform(2000, 1), 0xdddb27b1fc7dc53fU},
+        {"gaussian", gaussian(1000, 2), 0xcc6012286b582f6fU},
+        {"sphere", sphere(1000, 3), 0x7c333a2cbd9b3ba6U},
+        {"integer sphere", shuffled(integerSphere(861), 4), 0xd790a490835c6915U},
+        {"grid", shuffled(grid(10, 10, 10), 5), 0x891a1691813c2277U},
+        {"tenths", grid(10, 10, 10, 0.1), 0x45893a5d65f7ecd1U},
+        {"lattice", lattice(1000, 9, 9, 9, 6), 0xe2069763d4f440ceU},
+        {"helix", helix(1000), 0xf297708639258d19U},
+        {"skew segments", skewSegments(60), 0x8f4a9237720aa7e5U},
+        {"last bits", uniform(1000, 7, 1.0, 1.0 + 0x1p-47), 0xae5610dde1d6fd73U},
+        {"tiny", uniform(500, 8, -0x1p-1060, 0x1p-1060), 0x5c5da2a47a026062U},
+        {"huge", uniform(500, 9, -0x1p1000, 0x1p1000), 0x8cdef81af356ddccU},
+    };
+    for (const auto& [name, points, digest] : expected) {
+        Recorder recorder;
+        recorder.batch(points);
+        EXPECT_EQ(meshDigest(recorder.mesh, recorder.handles), digest) << name;
+    }
+}
+
+}  // namespace
