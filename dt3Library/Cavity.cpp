@@ -36,14 +36,14 @@ int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
 
 Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
     : predicates(geomTest), tets(recycler) {
-    rows.reserve(256);
+    rows.resize(256);
     stack.reserve(256);
     boundary.reserve(256);
 }
 
 void Cavity::begin(Point3* p) {
     newVertex = p;
-    rows.clear();
+    numRows = 0;
     maxX = maxY = maxZ = maxLift = 0.0;
     gluing.begin();
     tets.swapLists();
@@ -54,7 +54,7 @@ void Cavity::begin(Point3* p) {
 inline int Cavity::numberOf(Point3* vertex) {
     const int number = MeshAccess::cavityNumber(vertex);
     // A number left by another insertion names another vertex or none.
-    if (static_cast<std::size_t>(number) < rows.size() &&
+    if (static_cast<unsigned>(number) < static_cast<unsigned>(numRows) &&
         rows[static_cast<std::size_t>(number)].vertex == vertex)
         return number;
     return addRow(vertex);
@@ -65,8 +65,9 @@ int Cavity::addRow(Point3* vertex) {
     const double y = vertex->y() - newVertex->y();
     const double z = vertex->z() - newVertex->z();
     const double lift = x * x + y * y + z * z;
-    const int number = static_cast<int>(rows.size());
-    rows.push_back({x, y, z, lift, vertex});
+    const int number = numRows++;
+    if (static_cast<std::size_t>(numRows) > rows.size()) rows.resize(2 * rows.size());
+    rows[static_cast<std::size_t>(number)] = {x, y, z, lift, vertex};
     MeshAccess::cavityNumber(vertex) = number;
     const double sizeX = std::fabs(x);
     const double sizeY = std::fabs(y);
@@ -97,16 +98,8 @@ void Cavity::updateBounds() {
     sphereBound = 32.0 * constants.isperrboundA * volume * maxLift + UNDERFLOW_GUARD;
 }
 
-inline Cavity::SphereTest Cavity::evaluate(Tet3* tet) {
+inline Cavity::SphereTest Cavity::evaluate(const Row& a, const Row& b, const Row& c, const Row& d) {
     VARN3D_COUNT(sphereTests, 1);
-    const auto numberA = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 0)));
-    const auto numberB = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 1)));
-    const auto numberC = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 2)));
-    const auto numberD = static_cast<std::size_t>(numberOf(MeshAccess::corner(tet, 3)));
-    const Row& a = rows[numberA];
-    const Row& b = rows[numberB];
-    const Row& c = rows[numberC];
-    const Row& d = rows[numberD];
     const double ab = a.x * b.y - b.x * a.y;
     const double bc = b.x * c.y - c.x * b.y;
     const double cd = c.x * d.y - d.x * c.y;
@@ -120,11 +113,35 @@ inline Cavity::SphereTest Cavity::evaluate(Tet3* tet) {
     return {(d.lift * abc - c.lift * dab) + (b.lift * cda - a.lift * bcd), {bcd, -cda, dab, -abc}};
 }
 
+inline Cavity::SphereTest Cavity::evaluate(Tet3* tet, int number[4]) {
+    for (int i = 0; i < 4; ++i) number[i] = numberOf(MeshAccess::corner(tet, i));
+    const Row* row = rows.data();
+    return evaluate(row[number[0]], row[number[1]], row[number[2]], row[number[3]]);
+}
+
+/// The number of the one corner of a neighbour that is not on the facet with these numbers: the
+/// addresses of all others cancel out.
+inline int Cavity::numberBeyondFacet(const Tet3* neighbour, const int facet[3]) {
+    const auto address = [](const Point3* p) { return reinterpret_cast<std::uintptr_t>(p); };
+    std::uintptr_t beyond = 0;
+    for (int i = 0; i < 4; ++i) beyond ^= address(MeshAccess::corner(neighbour, i));
+    const Row* row = rows.data();
+    for (int i = 0; i < 3; ++i) beyond ^= address(row[facet[i]].vertex);
+    return numberOf(reinterpret_cast<Point3*>(beyond));
+}
+
 inline bool Cavity::isInConflict(Tet3* tet, const SphereTest& test) {
     if (test.determinant > sphereBound) return false;
     if (test.determinant < -sphereBound) return true;
     VARN3D_COUNT(sphereTestsBeyondBound, 1);
     return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
+}
+
+inline bool Cavity::isInConflict(Tet3* tet) {
+    int number[4];
+    const SphereTest test = evaluate(tet, number);
+    updateBounds();
+    return isInConflict(tet, test);
 }
 
 inline void Cavity::doom(Tet3* tet) {
@@ -152,11 +169,11 @@ Tet3* Cavity::refillFrom(Tet3* start) {
 void Cavity::growRegionAndBoundary(Tet3* start) {
     boundary.clear();
     stack.clear();
-    const SphereTest test = evaluate(start);
+    int number[4];
+    const SphereTest test = evaluate(start, number);
+    updateBounds();
     doom(start);
-    stack.push_back(
-        {start,
-         {test.orientation[0], test.orientation[1], test.orientation[2], test.orientation[3]}});
+    pushDoomed(start, number, test.orientation);
     while (!stack.empty()) {
         const Doomed current = stack.back();
         stack.pop_back();
@@ -164,30 +181,56 @@ void Cavity::growRegionAndBoundary(Tet3* start) {
     }
 }
 
+inline void Cavity::pushDoomed(Tet3* tet, const int number[4], const double orientation[4]) {
+    stack.push_back({tet,
+                     {number[0], number[1], number[2], number[3]},
+                     {orientation[0], orientation[1], orientation[2], orientation[3]}});
+}
+
 /// Evaluates the tests of all neighbours before it decides any: the evaluations don't depend on
 /// each other, and their memory accesses overlap.
 inline void Cavity::visitNeighbours(const Doomed& current) {
-    SphereTest tests[4];
+    struct Candidate {
+        Tet3* tet;
+        int number[4];  // the corner beyond the facet, then the facet's, seen from the neighbour
+        SphereTest test;
+    };
+    Candidate candidates[4];
+    const int rowsBefore = numRows;
     for (int i = 3; i >= 0; --i) {
         Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
-        if (neighbour != nullptr && !MeshAccess::visited(neighbour)) tests[i] = evaluate(neighbour);
+        Candidate& candidate = candidates[i];
+        candidate.tet = neighbour;
+        if (neighbour == nullptr || MeshAccess::visited(neighbour)) continue;
+        const int facet[3] = {current.number[INNER_FACET[i][0]], current.number[INNER_FACET[i][2]],
+                              current.number[INNER_FACET[i][1]]};
+        candidate.number[0] = numberBeyondFacet(neighbour, facet);
+        for (int k = 0; k < 3; ++k) candidate.number[k + 1] = facet[k];
+        const Row* row = rows.data();
+        candidate.test =
+            evaluate(row[candidate.number[0]], row[facet[0]], row[facet[1]], row[facet[2]]);
     }
-    updateBounds();
+    if (numRows != rowsBefore) updateBounds();
     for (int i = 3; i >= 0; --i) {
-        Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
+        const Candidate& candidate = candidates[i];
+        Tet3* neighbour = candidate.tet;
         if (neighbour != nullptr) {
             if (MeshAccess::visited(neighbour)) continue;
-            const SphereTest& test = tests[i];
-            if (isInConflict(neighbour, test)) {
+            if (isInConflict(neighbour, candidate.test)) {
                 doom(neighbour);
+                int number[4];
+                double orientation[4];
                 for (int k = 0; k < 4; ++k) {
                     const Tet3* next = MeshAccess::neighbour(neighbour, k);
                     prefetch(next);
                     prefetch(reinterpret_cast<const char*>(next) + 64);
+                    const int own = MeshAccess::cavityNumber(MeshAccess::corner(neighbour, k));
+                    int place = 0;
+                    for (int m = 1; m < 4; ++m) place = own == candidate.number[m] ? m : place;
+                    number[k] = own;
+                    orientation[k] = candidate.test.orientation[place];
                 }
-                stack.push_back({neighbour,
-                                 {test.orientation[0], test.orientation[1], test.orientation[2],
-                                  test.orientation[3]}});
+                pushDoomed(neighbour, number, orientation);
                 continue;
             }
         }
@@ -224,13 +267,8 @@ Tet3* Cavity::fillBoundary() {
 
 void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying,
                   std::vector<Tet3*>& vDoomed) {
-    const auto isInConflictNow = [this](Tet3* tet) {
-        const SphereTest test = evaluate(tet);
-        updateBounds();
-        return isInConflict(tet, test);
-    };
     for (Tet3* seed : vSeeds) {
-        if (isInConflictNow(seed)) {
+        if (isInConflict(seed)) {
             doom(seed);
             vDoomed.push_back(seed);
         } else {
@@ -244,7 +282,7 @@ void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying
         for (int ith = 0; ith < 4; ++ith) {
             Tet3* neighbour = MeshAccess::neighbour(tet, ith);
             if (neighbour == nullptr || MeshAccess::visited(neighbour)) continue;
-            if (!isInConflictNow(neighbour)) continue;
+            if (!isInConflict(neighbour)) continue;
             doom(neighbour);
             vDoomed.push_back(neighbour);
             pending.push_back(neighbour);
@@ -303,7 +341,7 @@ Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
 // ---- Creation and linking ----------------------------------------------------------------------
 
 std::size_t Cavity::glue() {
-    return gluing.glue(rows.size());
+    return gluing.glue(static_cast<std::size_t>(numRows));
 }
 
 void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const {

@@ -60,7 +60,7 @@ class Cavity {
     /// A vertex met by this insertion, seen from p: the row of the sphere test's determinant.
     struct Row {
         double x, y, z, lift;
-        const Point3* vertex;
+        Point3* vertex;
     };
     /// What the sphere test of a tetrahedron yields on the way: `orientation[i]` is the determinant
     /// of p and facet i, positive where p lies on the inner side.
@@ -68,8 +68,11 @@ class Cavity {
         double determinant;
         double orientation[4];
     };
+    /// A tetrahedron of the region whose neighbours are still to be visited, with the cavity
+    /// numbers of its corners.
     struct Doomed {
         Tet3* tet;
+        int number[4];
         double orientation[4];
     };
     /// A facet of the region's boundary: facet `ith` of `inner`, whose other side is `outer` (null
@@ -83,13 +86,16 @@ class Cavity {
 
     int numberOf(Point3* vertex);
     int addRow(Point3* vertex);
-    SphereTest evaluate(Tet3* tet);
+    static SphereTest evaluate(const Row& a, const Row& b, const Row& c, const Row& d);
+    SphereTest evaluate(Tet3* tet, int number[4]);
+    int numberBeyondFacet(const Tet3* neighbour, const int facet[3]);
     bool isInConflict(Tet3* tet, const SphereTest& test);
-    bool isInConflict(Tet3* tet) { return isInConflict(tet, evaluate(tet)); }
+    bool isInConflict(Tet3* tet);
     void updateBounds();
     void doom(Tet3* tet);
     void growRegionAndBoundary(Tet3* start);
     void visitNeighbours(const Doomed& current);
+    void pushDoomed(Tet3* tet, const int number[4], const double orientation[4]);
     Tet3* fillBoundary();
     void checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const;
     Tet3* newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d);
@@ -100,6 +106,7 @@ class Cavity {
 
     Point3* newVertex = nullptr;
     std::vector<Row> rows;
+    int numRows = 0;
     double maxX = 0.0;
     double maxY = 0.0;
     double maxZ = 0.0;
