@@ -8,7 +8,7 @@ cd "$root"
 . scripts/packages.sh
 
 install_missing g++ clang make cmake libcli11-dev libgtest-dev libgmock-dev libgmp-dev pkg-config \
-    dpkg-dev fakeroot
+    dpkg-dev fakeroot file
 [ $# -gt 0 ] || set -- release
 for preset in "$@"; do
     echo "== $preset"
