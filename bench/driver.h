@@ -1,0 +1,97 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bench {
+
+using Position = std::array<double, 3>;
+
+/// A file of raw double triples, mapped into memory so that releasing it gives its pages back and
+/// no engine is spared an allocation by what the reading left behind.
+class PointFile {
+  public:
+    explicit PointFile(const std::string& path);
+    PointFile(PointFile&& other) noexcept
+        : first(std::exchange(other.first, nullptr)), count(std::exchange(other.count, 0)) {}
+    PointFile& operator=(PointFile&&) = delete;
+    ~PointFile() { release(); }
+
+    std::size_t size() const { return count; }
+    const Position* begin() const { return first; }
+    const Position* end() const { return first + count; }
+    const Position& operator[](std::size_t i) const { return first[i]; }
+    void release();
+
+  private:
+    const Position* first = nullptr;
+    std::size_t count = 0;
+};
+
+/// What one process is asked to do.
+struct Job {
+    PointFile points;
+    /// The points come in this many equal batches, in the file's order; 0: one by one.
+    std::size_t batches = 1;
+    /// Points to locate in the finished mesh.
+    std::vector<Position> queries;
+    /// Whether the engine shall also check its whole mesh, outside the measured time.
+    bool fullCheck = false;
+
+    /// The bounds [first, last) of a batch.
+    std::pair<std::size_t, std::size_t> batch(std::size_t which, std::size_t size) const {
+        return {size * which / batches, size * (which + 1) / batches};
+    }
+};
+
+/// What one process found. Times are in seconds; negative: not measured.
+struct Report {
+    double seconds = -1.0;
+    double listTetrahedra = -1.0;
+    double listVertices = -1.0;
+    double locate = -1.0;
+    std::size_t located = 0;
+    /// Growth of the resident memory over the state with the engine's input in place, at its peak.
+    std::size_t peakBytes = 0;
+    std::size_t tetrahedra = 0;
+    /// The points of the mesh: equal input points are one.
+    std::size_t vertices = 0;
+    double volume = 0.0;
+    /// False when the engine itself found a fault; `fault` then says which.
+    bool valid = true;
+    std::string fault;
+    /// Members of a JSON object: the engine's account of its own work.
+    std::string profile;
+
+    void addTetrahedron(const double* a, const double* b, const double* c, const double* d);
+    void reject(const std::string& why);
+};
+
+/// Measures time and memory of the triangulation between construction and `stop`.
+class Measurement {
+  public:
+    /// To be constructed when the engine's input is in place and the file is released.
+    Measurement();
+    void stop(Report& report) const;
+
+  private:
+    std::size_t residentBefore;
+    std::chrono::steady_clock::time_point start;
+};
+
+template <typename Action>
+double secondsOf(Action&& action) {
+    const auto start = std::chrono::steady_clock::now();
+    action();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// The engine's name, and its part of the work; each driver program defines both.
+extern const char* const engineName;
+void triangulate(Job& job, Report& report);
+
+}  // namespace bench

@@ -1,0 +1,153 @@
+#include <iostream>
+#include <sstream>
+
+#include "driver.h"
+#include "dt3Library/Varn_3D.h"
+#ifdef VARN3D_PROFILE
+#include "dt3Library/Profile.h"
+#include "dt3Library/predicateStages.h"
+#endif
+
+namespace bench {
+
+namespace {
+
+/// Keeps what the library prints from the standard output, where the report goes.
+class CapturedOutput {
+  public:
+    CapturedOutput() : previous(std::cout.rdbuf(text.rdbuf())) {}
+    CapturedOutput(const CapturedOutput&) = delete;
+    CapturedOutput& operator=(const CapturedOutput&) = delete;
+    ~CapturedOutput() { std::cout.rdbuf(previous); }
+
+    std::string str() const { return text.str(); }
+
+  private:
+    std::ostringstream text;
+    std::streambuf* previous;
+};
+
+VARN3D::Point3 pointAt(const Position& position) {
+    return {position[0], position[1], position[2]};
+}
+
+/// The input in the form that the library takes: a vector for each batch, or one for all points
+/// that come one by one.
+std::vector<std::vector<VARN3D::Point3>> inputOf(const Job& job) {
+    const std::size_t parts = job.batches == 0 ? 1 : job.batches;
+    std::vector<std::vector<VARN3D::Point3>> input(parts);
+    for (std::size_t i = 0; i < parts; ++i) {
+        const auto [first, last] = job.batches == 0
+                                       ? std::make_pair(std::size_t(0), job.points.size())
+                                       : job.batch(i, job.points.size());
+        input[i].reserve(last - first);
+        for (std::size_t k = first; k < last; ++k) input[i].push_back(pointAt(job.points[k]));
+    }
+    return input;
+}
+
+void insertAll(VARN3D::Varn_3D& mesh, std::vector<std::vector<VARN3D::Point3>>& input,
+               bool oneByOne) {
+    for (std::vector<VARN3D::Point3>& points : input) {
+        if (oneByOne) {
+            for (VARN3D::Point3& point : points) mesh.insert(point);
+        } else {
+            std::vector<VARN3D::Point3*> handles;
+            mesh.insert(points, handles);
+        }
+    }
+}
+
+void examine(VARN3D::Varn_3D& mesh, bool fullCheck, Report& report) {
+    std::vector<VARN3D::Tet3*> tetrahedra;
+    std::vector<VARN3D::Point3*> vertices;
+    report.listTetrahedra = secondsOf([&] { mesh.getTetrahedra(tetrahedra); });
+    report.listVertices = secondsOf([&] { mesh.getVertices(vertices); });
+    for (const VARN3D::Tet3* tetrahedron : tetrahedra) {
+        double corners[4][3];
+        for (int i = 0; i < 4; ++i) {
+            tetrahedron->getCorner(i)->xyz(corners[i][0], corners[i][1], corners[i][2]);
+        }
+        report.addTetrahedron(corners[0], corners[1], corners[2], corners[3]);
+    }
+    for (const VARN3D::Point3* vertex : vertices) report.vertices += vertex->getOneTet() != nullptr;
+    if (!mesh.is3D()) report.vertices = vertices.size();
+    if (report.vertices != vertices.size()) {
+        report.reject("vertices without a tetrahedron");
+    } else if (fullCheck && mesh.is3D() && !mesh.checkValidity("bench", true)) {
+        report.reject("checkValidity found a fault");
+    }
+}
+
+void locateAll(VARN3D::Varn_3D& mesh, const std::vector<Position>& queries, Report& report) {
+    if (queries.empty()) return;
+    report.locate = secondsOf([&] {
+        for (const Position& query : queries) {
+            report.located += mesh.locate(pointAt(query)) != nullptr;
+        }
+    });
+}
+
+#ifdef VARN3D_PROFILE
+std::string listOf(const std::uint64_t (&counts)[VARN3D::NUM_PREDICATE_STAGES]) {
+    std::string list;
+    for (const std::uint64_t count : counts)
+        list += (list.empty() ? "" : ", ") + std::to_string(count);
+    return "[" + list + "]";
+}
+
+void writeProfile(Report& report) {
+    const VARN3D::Profile& work = VARN3D::profile();
+    std::ostringstream json;
+    auto add = [&, separator = ""](const char* name, auto value) mutable {
+        json << separator << '"' << name << "\": " << value;
+        separator = ", ";
+    };
+    add("insertions", work.insertions);
+    add("hullInsertions", work.hullInsertions);
+    add("facetTests", work.facetTests);
+    add("longestWalk", work.longestWalk);
+    add("sphereTests", work.sphereTests);
+    add("sphereTestsBeyondBound", work.sphereTestsBeyondBound);
+    add("doomed", work.doomed);
+    add("created", work.created);
+    add("secondsStore", work.secondsStore);
+    add("secondsWalk", work.secondsWalk);
+    add("secondsConflict", work.secondsConflict);
+    add("secondsCreation", work.secondsCreation);
+    add("secondsHull", work.secondsHull);
+    add("orientationStages", listOf(VARN3D::predicateCounters().orientation));
+    add("sphereStages", listOf(VARN3D::predicateCounters().sphere));
+    report.profile = json.str();
+}
+#else
+void writeProfile(Report&) {}
+#endif
+
+}  // namespace
+
+#ifdef VARN3D_PROFILE
+const char* const engineName = "varn3d_profiled";
+#else
+const char* const engineName = "varn3d";
+#endif
+
+void triangulate(Job& job, Report& report) {
+    std::vector<std::vector<VARN3D::Point3>> input = inputOf(job);
+    job.points.release();
+    const CapturedOutput output;
+    try {
+        const Measurement measurement;
+        VARN3D::Varn_3D mesh;
+        insertAll(mesh, input, job.batches == 0);
+        measurement.stop(report);
+        writeProfile(report);
+        examine(mesh, job.fullCheck, report);
+        locateAll(mesh, job.queries, report);
+    } catch (const VARN3D::VarnException&) {
+        report.reject("VarnException");
+    }
+    if (!report.valid) std::cerr << output.str();
+}
+
+}  // namespace bench

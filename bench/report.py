@@ -1,0 +1,187 @@
+"""Tables for docs/performance.md from the results of a run."""
+
+import re
+import statistics
+
+OURS = "varn3d"
+BEGIN = "<!-- figures of bench/run: begin -->"
+END = "<!-- figures of bench/run: end -->"
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|---|" + "--:|" * (len(head) - 1)]
+    lines += ["| " + " | ".join(row) + " |" for row in rows]
+    return "\n".join(lines)
+
+
+def number(value, digits=2, factor=1.0):
+    return "–" if value is None else f"{value * factor:,.{digits}f}"
+
+
+def median_or_none(values):
+    return statistics.median(values) if values else None
+
+
+def per_point(result, engine, key, factor):
+    value = result.median(engine, key)
+    return None if value is None else value * factor / result.point_set.points
+
+
+def all_results(groups):
+    """Each set once: a base that recurs in later groups is shown where it comes first."""
+    seen = {}
+    for _, results in groups:
+        for name, result in results.items():
+            seen.setdefault(name, result)
+    return seen.values()
+
+
+def mesh_size(result):
+    counts = {r["tetrahedra"] for r in result.valid_reports(OURS)}
+    return " / ".join(f"{count:,}" for count in sorted(counts)) or "–"
+
+
+def against_peers(groups, peers):
+    rows = []
+    for result in all_results(groups):
+        row = [result.point_set.name, f"{result.point_set.points:,}", mesh_size(result)]
+        row.append(number(per_point(result, OURS, "seconds", 1e6)))
+        row[-1] = "failed" if OURS in result.faults else row[-1]
+        for peer in peers:
+            ratio = number(median_or_none(result.ratios(peer, OURS)))
+            row.append("failed" if peer in result.faults else ratio)
+        for engine in [OURS, *peers]:
+            row.append(number(per_point(result, engine, "peakBytes", 1.0), 0))
+        rows.append(row)
+    head = ["set", "points", "tetrahedra", "µs a point", *(f"× {peer}" for peer in peers)]
+    return table(head + [f"B a point {engine}" for engine in [OURS, *peers]], rows)
+
+
+def faults(groups):
+    lines = []
+    for result in all_results(groups):
+        for engine, why in sorted(result.faults.items()):
+            lines.append(f"- {result.point_set.name}, {engine}: {why}")
+    return "\n".join(lines)
+
+
+def against_base(groups):
+    """Costs relative to the group's base, both within each round."""
+    rows = []
+    for group, results in groups:
+        base = results[group.base]
+        for name, result in results.items():
+            if name == group.base:
+                continue
+            points = base.point_set.points / result.point_set.points
+            costs = [
+                points * a / b for a, b in zip(result.seconds(OURS), base.seconds(OURS)) if b > 0
+            ]
+            cost = median_or_none(costs)
+            size = per_point(result, OURS, "tetrahedra", 1.0)
+            base_size = per_point(base, OURS, "tetrahedra", 1.0)
+            a_tetrahedron = cost * base_size / size if cost is not None and size else None
+            rows.append(
+                [name, group.base, number(per_point(result, OURS, "seconds", 1e6)), number(size),
+                 number(cost), number(a_tetrahedron)]
+            )
+    head = ["set", "base", "µs a point", "tetrahedra a point", "× base a point",
+            "× base a tetrahedron"]
+    return table(head, rows)
+
+
+def queries(groups, engines):
+    rows = []
+    for result in all_results(groups):
+        for engine in engines:
+            batch = result.seconds(engine)
+            if not batch or result.median(engine, "listTetrahedra") is None:
+                continue
+            lists = [r["listTetrahedra"] for r in result.valid_reports(engine)]
+            share = statistics.median(a / b for a, b in zip(lists, batch))
+            rows.append(
+                [result.point_set.name, engine,
+                 number(result.median(engine, "listTetrahedra"), 2, 1e3),
+                 number(share, 2, 100.0) + " %",
+                 number(result.median(engine, "listVertices"), 2, 1e3),
+                 number(result.median(engine, "locate"), 3),
+                 number(result.median(engine, "located") if result.point_set.queries else None, 0)]
+            )
+    head = ["set", "engine", "all tetrahedra, ms", "of the insertion", "all vertices, ms",
+            "queries located, s", "found"]
+    return table(head, rows)
+
+
+PHASES = ("Store", "Walk", "Conflict", "Creation", "Hull")
+STAGES = ("filter", "lattice", "double-double", "exact")
+
+
+def stage_shares(counts):
+    """The exact integers of several sizes count as one stage."""
+    total = sum(counts)
+    shares = [*counts[:3], sum(counts[3:])]
+    return [number(share / total, 2, 100.0) if total else "–" for share in shares]
+
+
+def profiles(groups):
+    phase_rows, stage_rows = [], []
+    for result in all_results(groups):
+        work = result.profile
+        if not work:
+            continue
+        points = max(work["insertions"], 1)
+        seconds = [work["seconds" + phase] for phase in PHASES]
+        other = max(work["secondsTotal"] - sum(seconds), 0.0)
+        phase_rows.append(
+            [result.point_set.name]
+            + [number(s / work["secondsTotal"], 0, 100.0) for s in [*seconds, other]]
+            + [number(work[key] / points, 1)
+               for key in ("facetTests", "sphereTests", "doomed", "created")]
+            + [number(work["longestWalk"], 0), number(work["hullInsertions"] / points, 2, 100.0)]
+        )
+        beyond = work["sphereTestsBeyondBound"] / max(work["sphereTests"], 1)
+        stage_rows.append(
+            [result.point_set.name, number(beyond, 2, 100.0)]
+            + stage_shares(work["sphereStages"])
+            + stage_shares(work["orientationStages"])
+        )
+    phase_head = ["set", *(f"{phase.lower()} %" for phase in PHASES), "other %", "facets walked",
+                  "sphere tests", "doomed", "created", "longest walk", "outside hull %"]
+    stage_head = ["set", "sphere tests past the shared bound %",
+                  *(f"sphere {stage} %" for stage in STAGES),
+                  *(f"orientation {stage} %" for stage in STAGES)]
+    return table(phase_head, phase_rows), table(stage_head, stage_rows)
+
+
+def markdown(machine, revision, rounds, groups, peers):
+    phases, stages = profiles(groups)
+    parts = [
+        f"Revision {revision}, {machine['date']}, {machine['cpu']}, {machine['compiler']}; "
+        f"{rounds} rounds, one thread, pinned to one core. A ratio × above 1 says how many times "
+        "faster than that engine Varn3D is: the median of the ratios within the rounds. Times a "
+        "point are medians of the triangulation alone; memory is the peak above the input. "
+        "Engines whose mesh failed the check, or that took too long, show no time.",
+        "### Against the peers",
+        against_peers(groups, peers),
+        faults(groups),
+        "### Against uniform points",
+        against_base(groups),
+        "### Listing and locating",
+        queries(groups, [OURS, *(p for p in peers if p.startswith("cgal"))]),
+        "### Where the time goes",
+        "From the counting variant of the library, which runs slower; facets walked, sphere tests, "
+        "doomed and created tetrahedra are counts an insertion.",
+        phases,
+        "Which stage decides, among the calls that reach the predicates themselves (most sphere "
+        "tests end at the bound that all tests of an insertion share):",
+        stages,
+    ]
+    return "\n\n".join(part for part in parts if part) + "\n"
+
+
+def replace_figures(path, text):
+    page = path.read_text()
+    pattern = re.compile(re.escape(BEGIN) + ".*" + re.escape(END), re.DOTALL)
+    if not pattern.search(page):
+        raise SystemExit(f"{path} has no line {BEGIN}")
+    path.write_text(pattern.sub(lambda _: f"{BEGIN}\n\n{text}\n{END}", page))
