@@ -1,0 +1,229 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <set>
+
+#include "dt3Library/Dt3.h"
+#include "dt3Library/GeomTest3.h"
+#include "dt3Library/Varn_3D.h"
+#include "support/CaptureOutput.h"
+#include "support/MeshDigest.h"
+#include "support/MeshOracle.h"
+#include "support/PlainEngine.h"
+#include "support/PointSets.h"
+
+namespace {
+
+using namespace VARN3D;
+using namespace support;
+
+const std::string EMPTY_LIST = "Attention: triangulate has got an empty vector\n";
+const std::string NOT_IN_MESH =
+    "\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n";
+
+TEST(Insertion, handlesBelongToTheirPointsForGood) {
+    Varn_3D mesh;
+    Points all;
+    std::vector<Point3*> handles;
+    for (std::uint64_t round = 0; round < 8; ++round) {
+        Points points = lattice(200, 9, 9, 9, round);
+        std::vector<Point3*> found;
+        outputOf([&] { mesh.insert(points, found); });
+        Point3 single = points[round];
+        EXPECT_EQ(mesh.insert(single), found[round]);
+        all = std::move(all) + points;
+        handles.insert(handles.end(), found.begin(), found.end());
+        for (std::size_t i = 0; i < all.size(); ++i) ASSERT_EQ(*handles[i], all[i]);
+        for (const Point3* v : handles) EXPECT_NE(v->getOneTet(), nullptr);
+    }
+    std::set<Coordinates> distinct;
+    for (const Point3& p : all) distinct.insert(coordinatesOf(p));
+    EXPECT_EQ(std::set<Point3*>(handles.begin(), handles.end()).size(), distinct.size());
+}
+
+TEST(Insertion, theFourthSingleOffThePlaneMakesTheFirstTetrahedron) {
+    Varn_3D mesh;
+    const std::string output = outputOf([&] {
+        for (Point3 p : Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}) {
+            mesh.insert(p);
+            EXPECT_FALSE(mesh.is3D());
+        }
+        Point3 top(0, 0, 1);
+        mesh.insert(top);
+    });
+    EXPECT_TRUE(mesh.is3D());
+    EXPECT_EQ(output, "");
+    std::vector<Point3*> vertices;
+    mesh.getVertices(vertices);
+    for (Point3* v : vertices) {
+        std::vector<Tet3*> star;
+        mesh.getTetsAroundVertex(v, star);
+        EXPECT_EQ(star.size(), 1U);
+    }
+}
+
+TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
+    Varn_3D mesh;
+    Points points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 0, 1}};
+    std::vector<Point3*> handles;
+    const std::string output = outputOf([&] {
+        for (Point3& p : points) handles.push_back(mesh.insert(p));
+    });
+    EXPECT_EQ(output, EMPTY_LIST);
+    std::size_t waiting = 0;
+    while (handles[waiting]->getOneTet() != nullptr) ++waiting;
+    EXPECT_EQ(findMeshFault(mesh, points, handles, 1), "");
+
+    std::vector<Tet3*> star;
+    EXPECT_EQ(outputOf([&] { mesh.getTetsAroundVertex(handles[waiting], star); }), NOT_IN_MESH);
+    EXPECT_TRUE(star.empty());
+
+    // A batch takes only new vertices in, a single insertion what it is given.
+    std::vector<Point3*> again;
+    EXPECT_EQ(outputOf([&] { mesh.insert(points, again); }), "numPoints=5\n" + EMPTY_LIST);
+    EXPECT_EQ(again, handles);
+    EXPECT_EQ(findMeshFault(mesh, points, handles, 1), "");
+    EXPECT_EQ(mesh.insert(points[waiting]), handles[waiting]);
+    EXPECT_EQ(findMeshFault(mesh, points, handles, 0), "");
+}
+
+TEST(Insertion, aBatchTakesAllWaitingVerticesIn) {
+    Varn_3D mesh;
+    Points flat = grid(4, 4, 1);
+    Points apex = {{1, 1, 5}};
+    std::vector<Point3*> handles;
+    std::vector<Point3*> apexHandle;
+    EXPECT_EQ(outputOf([&] {
+                  mesh.insert(flat, handles);
+                  EXPECT_FALSE(mesh.is3D());
+                  mesh.insert(apex, apexHandle);
+              }),
+              "numPoints=16\nnumPoints=1\n");
+    handles.push_back(apexHandle.front());
+    EXPECT_EQ(findMeshFault(mesh, flat + apex, handles, 0), "");
+}
+
+TEST(Insertion, messages) {
+    Varn_3D mesh;
+    Points none;
+    Points one = {{1, 2, 3}};
+    std::vector<Point3*> handles;
+    std::vector<Tet3*> tets;
+    EXPECT_EQ(outputOf([&] { mesh.insert(none, handles); }), "numPoints=0\n");
+    EXPECT_EQ(outputOf([&] { mesh.insert(one, handles); }), "numPoints=1\n");
+    EXPECT_EQ(outputOf([&] { mesh.insert(one); }), "numPoints=1\n");
+    EXPECT_EQ(outputOf([&] { mesh.getTetrahedra(tets); }),
+              "Dt3::getAllTetrahedra(), oneTet==NULL\n");
+    EXPECT_EQ(outputOf([&] { mesh.getTetsAroundVertex(handles[0], tets); }), NOT_IN_MESH);
+    const std::string notEmpty =
+        "\n      Dt3::insert(), WARNING: vUserHandles is not empty as it should be\n\n";
+    EXPECT_EQ(outputOf([&] { mesh.insert(one, handles); }), notEmpty + "numPoints=1\n");
+    EXPECT_EQ(handles.size(), 1U);
+    mesh.setVerbosity(true);
+    const std::string called = "\nDt3::insert(vector,vector) has been called\n";
+    EXPECT_EQ(outputOf([&] { mesh.insert(none, handles); }), called + notEmpty + "numPoints=0\n");
+    EXPECT_TRUE(handles.empty());
+    mesh.setVerbosity(false);
+    EXPECT_EQ(outputOf([&] { mesh.insert(none, handles); }), "numPoints=0\n");
+
+    Points rest = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    outputOf([&] { mesh.insert(rest, handles); });
+    tets.push_back(nullptr);
+    EXPECT_THAT(outputOf([&] { EXPECT_THROW(mesh.getTetrahedra(tets), VarnException); }),
+                testing::StartsWith("\n      Varn, , ERROR: Condition [ vTet.empty() failed ]\n\n"
+                                    "      dt3Library/Dt3.cpp:"));
+}
+
+TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
+    Dt3 engine(nullptr);
+    std::vector<Point3*> list;
+    EXPECT_DEATH(
+        {
+            std::cout.rdbuf(std::cerr.rdbuf());
+            engine.triangulate(list, nullptr);
+        },
+        "goToHell, ERROR:  reason: pLastTet==NULL in Dt3::triangulate");
+}
+
+TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
+    Varn_3D mesh;
+    Points points = uniform(20, 1);
+    std::vector<Point3*> handles;
+    outputOf([&] { mesh.insert(points, handles); });
+    const PlainMesh before = plainMesh(labelledMesh(mesh, 0));
+    const auto expectRefusal = [&](const std::string& position, const std::string& output) {
+        EXPECT_THAT(output,
+                    testing::StartsWith("\n      Dt3::insert(), ERROR: point " + position +
+                                        " has a non-finite coordinate\n\n\n      Varn, , ERROR: "
+                                        "Condition [ std::isfinite failed ]\n\n"
+                                        "      dt3Library/Dt3.cpp:"));
+        EXPECT_EQ(findMeshFault(mesh, points, handles), "");
+        EXPECT_EQ(plainMesh(labelledMesh(mesh, 0)), before);
+    };
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const double bad : {std::nan(""), infinity, -infinity}) {
+        for (const Point3& p : {Point3(bad, 0, 0), Point3(0, bad, 0), Point3(0, 0, bad)}) {
+            Points batch = {{5, 5, 5}, {6, 6, 6}, p, {bad, bad, bad}};
+            std::vector<Point3*> notEmpty = handles;
+            expectRefusal(
+                "2", outputOf([&] { EXPECT_THROW(mesh.insert(batch, notEmpty), VarnException); }));
+            EXPECT_EQ(notEmpty, handles);
+            Point3 single = p;
+            expectRefusal("0", outputOf([&] { EXPECT_THROW(mesh.insert(single), VarnException); }));
+        }
+    }
+}
+
+// A single insertion that makes the first tetrahedron shows which vertices the start-up chose.
+TEST(Insertion, startUpFindsWhatTheLiteralSearchFinds) {
+    const GeomTest3 predicates;
+    for (std::uint64_t seed = 0; seed < 200; ++seed) {
+        Random r(seed);
+        Points points = seed % 2 == 0 ? lattice(12, 4, 2, 1, seed) : planar(12, 3, seed);
+        points = std::move(points) + lattice(9, 3, 1, 2, seed + 1) + Points{{1, 2, 3}};
+        if (seed % 3 == 0) points = shuffled(points, seed);
+        Varn_3D mesh;
+        outputOf([&] {
+            for (std::size_t i = 0; i < points.size() && !mesh.is3D(); ++i) mesh.insert(points[i]);
+        });
+        ASSERT_TRUE(mesh.is3D());
+        std::vector<Tet3*> tets;
+        mesh.getTetrahedra(tets);
+        ASSERT_EQ(tets.size(), 1U);
+        std::vector<Point3*> vertices;
+        mesh.getVertices(vertices);
+        std::vector<int> simplex = firstSimplex({vertices.begin(), vertices.end()});
+        const auto vertex = [&](std::size_t i) {
+            return vertices[static_cast<std::size_t>(simplex[i])];
+        };
+        if (predicates.getOrientation3(vertex(0), vertex(1), vertex(2), vertex(3)) ==
+            ORIENTATION3_NEGATIVE)
+            std::swap(simplex[0], simplex[1]);
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(tets[0]->getCorner(i), vertex(static_cast<std::size_t>(i)));
+    }
+}
+
+TEST(Insertion, largeFlatInputNeedsNoSearch) {
+    Points flat = planar(100000, 3000, 1);
+    Varn_3D batch;
+    Varn_3D singles;
+    std::vector<Point3*> handles;
+    outputOf([&] {
+        batch.insert(flat, handles);
+        for (Point3& p : flat) singles.insert(p);
+    });
+    std::vector<Point3*> vertices;
+    singles.getVertices(vertices);
+    EXPECT_EQ(vertices.size(), std::set<Point3*>(handles.begin(), handles.end()).size());
+    EXPECT_FALSE(batch.is3D());
+    EXPECT_FALSE(singles.is3D());
+    // The first point off the plane ends the waiting.
+    Point3 apex(0, 0, 1);
+    EXPECT_EQ(outputOf([&] { singles.insert(apex); }), EMPTY_LIST);
+    EXPECT_TRUE(singles.is3D());
+}
+
+}  // namespace

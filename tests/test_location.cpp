@@ -1,0 +1,179 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <map>
+
+#include "dt3Library/Dt3.h"
+#include "dt3Library/MeshAccess.h"
+#include "dt3Library/Varn_3D.h"
+#include "support/CaptureOutput.h"
+#include "support/Exact.h"
+#include "support/PointSets.h"
+
+namespace {
+
+using namespace VARN3D;
+using namespace support;
+
+/// Positive if p lies on the inner side of facet i.
+int side(const Tet3* tet, int i, const Point3& p) {
+    Point3 corners[4];
+    for (int k = 0; k < 4; ++k) corners[k] = *tet->getCorner(k);
+    corners[i] = p;
+    return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
+}
+
+bool contains(const Tet3* tet, const Point3& p) {
+    return side(tet, 0, p) >= 0 && side(tet, 1, p) >= 0 && side(tet, 2, p) >= 0 &&
+           side(tet, 3, p) >= 0;
+}
+
+enum Place { OUTSIDE, SURFACE, EDGE_INSIDE, FACET_INSIDE, INTERIOR, VERTEX };
+
+/// By looking at every tetrahedron.
+Place findPlace(const std::vector<Tet3*>& tets, const Point3& p) {
+    Place place = OUTSIDE;
+    for (const Tet3* tet : tets) {
+        if (!contains(tet, p)) continue;
+        if (tet->hasVertex(p)) return VERTEX;
+        int numCoplanar = 0;
+        for (int i = 0; i < 4; ++i) {
+            if (side(tet, i, p) != 0) continue;
+            ++numCoplanar;
+            if (tet->getOppTet(i) == nullptr) place = SURFACE;
+        }
+        if (place != SURFACE)
+            place = numCoplanar == 0 ? INTERIOR : numCoplanar == 1 ? FACET_INSIDE : EDGE_INSIDE;
+    }
+    return place;
+}
+
+void expectLocated(Place place, const Point3& p, int result, const Tet3* tet) {
+    switch (place) {
+        case VERTEX:
+            EXPECT_EQ(result, -2);
+            EXPECT_TRUE(tet->hasVertex(p));
+            break;
+        case OUTSIDE:
+        case SURFACE:
+            ASSERT_TRUE(result >= 0 && result <= 3);
+            EXPECT_EQ(tet->getOppTet(result), nullptr);
+            EXPECT_EQ(side(tet, result, p), place == OUTSIDE ? -1 : 0);
+            EXPECT_EQ(contains(tet, p), place == SURFACE);
+            break;
+        default:
+            EXPECT_EQ(result, -1);
+            EXPECT_TRUE(contains(tet, p));
+    }
+}
+
+TEST(Location, latticeQueriesFromEveryTetrahedron) {
+    std::map<Place, int> counts;
+    for (std::uint64_t seed = 0; seed < 12; ++seed) {
+        Dt3 engine(nullptr);
+        std::vector<Point3*> handles;
+        outputOf([&] { engine.insert(lattice(14, 4, 4, 4, seed), handles); });
+        std::vector<Tet3*> tets;
+        engine.getAllTetrahedra(tets);
+        for (const Point3& half : lattice(150, 9, 9, 9, seed + 100)) {
+            const Point3 p(half.x() / 2 - 0.5, half.y() / 2 - 0.5, half.z() / 2 - 0.5);
+            const Place place = findPlace(tets, p);
+            ++counts[place];
+            for (Tet3* tet : tets) {
+                const int result = engine.locateConflictTet(&p, tet);
+                expectLocated(place, p, result, tet);
+            }
+            const Tet3* located = engine.locate(p);
+            ASSERT_EQ(located != nullptr, place != OUTSIDE && place != SURFACE);
+            if (located != nullptr) expectLocated(place, p, place == VERTEX ? -2 : -1, located);
+        }
+    }
+    for (const Place place : {OUTSIDE, SURFACE, EDGE_INSIDE, FACET_INSIDE, INTERIOR, VERTEX})
+        EXPECT_GT(counts[place], 10) << place;
+}
+
+TEST(Location, aCornerOfTheStartIsFoundWithoutMoving) {
+    Dt3 engine(nullptr);
+    std::vector<Point3*> handles;
+    outputOf([&] { engine.insert(lattice(60, 5, 5, 5, 1), handles); });
+    std::vector<Tet3*> tets;
+    engine.getAllTetrahedra(tets);
+    for (Tet3* start : tets)
+        for (int i = 0; i < 4; ++i) {
+            Tet3* tet = start;
+            EXPECT_EQ(engine.locateConflictTet(start->getCorner(i), tet), -2);
+            EXPECT_EQ(tet, start);
+        }
+}
+
+TEST(Location, nothingToFindWithoutTetrahedra) {
+    Varn_3D mesh;
+    EXPECT_EQ(mesh.locate({0, 0, 0}), nullptr);
+    Points flat = grid(3, 3, 1);
+    outputOf([&] { mesh.insert(flat); });
+    EXPECT_EQ(mesh.locate({1, 1, 0}), nullptr);
+    EXPECT_FALSE(mesh.is3D());
+}
+
+TEST(Location, refusesWhatIsNotFinite) {
+    Varn_3D mesh;
+    for (const double bad :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+        const std::string output = outputOf([&] {
+            EXPECT_THROW(mesh.locate({0, bad, 0}), VarnException);
+        });
+        EXPECT_THAT(output, testing::StartsWith(
+                                "\n      Dt3::locate(), ERROR: point 0 has a non-finite "
+                                "coordinate\n\n\n      Varn, , ERROR: Condition [ std::isfinite "
+                                "failed ]\n\n      dt3Library/Dt3.cpp:"));
+    }
+}
+
+// No sound mesh leads a walk in circles, so links that do have to be planted.
+TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
+    Dt3 engine(nullptr);
+    Points points = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {1, 1, 4}, {1, 1, -4}};
+    std::vector<Point3*> handles;
+    outputOf([&] { engine.insert(points, handles); });
+    std::vector<Tet3*> tets;
+    engine.getAllTetrahedra(tets);
+    ASSERT_EQ(tets.size(), 2U);
+    for (int i = 0; i < 4; ++i) {
+        MeshAccess::neighbour(tets[0], i) = tets[1];
+        MeshAccess::neighbour(tets[1], i) = tets[0];
+    }
+    // Both tetrahedra have all these points beyond a facet other than that of entry, which is 0.
+    const auto leavesBoth = [&](const Point3& p) {
+        return std::all_of(tets.begin(), tets.end(), [&](const Tet3* tet) {
+            return side(tet, 1, p) < 0 || side(tet, 2, p) < 0 || side(tet, 3, p) < 0;
+        });
+    };
+    int numQueries = 0;
+    for (const Point3& p : {Point3(99, 99, 1), Point3(-99, 1, 2), Point3(1, -99, 2)}) {
+        if (!leavesBoth(p)) continue;
+        ++numQueries;
+        Tet3* tet = tets[0];
+        EXPECT_EQ(outputOf([&] { EXPECT_EQ(engine.locateConflictTet(&p, tet), -99); }),
+                  "watchDog: bad point\n");
+        EXPECT_EQ(outputOf([&] { EXPECT_EQ(engine.locate(p), nullptr); }), "watchDog: bad point\n");
+        EXPECT_THAT(outputOf([&] { EXPECT_THROW(engine.insert(p), VarnException); }),
+                    testing::EndsWith("Condition [ locateResult!=-99 failed ]\n\n"
+                                      "      dt3Library/Dt3.cpp:802\n"));
+    }
+    EXPECT_GT(numQueries, 0);
+}
+
+TEST(Location, withoutStartTheProcessEnds) {
+    const Dt3 engine(nullptr);
+    const Point3 p;
+    Tet3* nowhere = nullptr;
+    EXPECT_DEATH(
+        {
+            std::cout.rdbuf(std::cerr.rdbuf());
+            engine.locateConflictTet(&p, nowhere);
+        },
+        "goToHell, ERROR:  reason: locateConflictTet");
+}
+
+}  // namespace

@@ -1,0 +1,210 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "dt3Library/HC3.h"
+#include "dt3Library/Tet3.h"
+#include "dt3Library/VarnException.h"
+#include "support/CaptureOutput.h"
+#include "support/MeshDigest.h"
+#include "support/PlainEngine.h"
+#include "support/PointSets.h"
+
+namespace {
+
+using namespace VARN3D;
+using namespace support;
+
+constexpr std::uint32_t MAX_CORNER_KEY = 90543705;
+
+/// A store that keeps what its batches returned.
+struct Store {
+    HC3 hc3;
+    std::vector<Point3*> handles;
+    std::vector<Point3*> added;
+
+    void insert(const Points& points) {
+        handles.clear();
+        added.clear();
+        hc3.insert(points, handles, added);
+    }
+    std::uint32_t plainKey(const Point3& p) const {
+        return plainHilbertKey(p, coordinatesOf(hc3.getBbox().getMinPoint()),
+                               coordinatesOf(hc3.getBbox().getMaxPoint()));
+    }
+    std::pair<Coordinates, Coordinates> box() const {
+        return {coordinatesOf(hc3.getBbox().getMinPoint()),
+                coordinatesOf(hc3.getBbox().getMaxPoint())};
+    }
+};
+
+std::pair<Coordinates, Coordinates> enlarged(Coordinates min, Coordinates max, double factor) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const double d = (max[axis] - min[axis]) * factor * 0.5;
+        min[axis] -= d;
+        max[axis] += d;
+    }
+    return {min, max};
+}
+
+TEST(Store, keysFollowTheTables) {
+    for (const Point3& extent : {Point3(1, 1, 1), Point3(1, 20, 0.01), Point3(0.3, 0.2, 7),
+                                 Point3(1e-3, 1, 1), Point3(0, 1, 1), Point3(1, 0, 0)}) {
+        Store store;
+        Points points = uniform(500, 1, -1.0, 1.0);
+        for (Point3& p : points)
+            p.exchange(p.x() * extent.x(), p.y() * extent.y(), p.z() * extent.z());
+        store.insert(points);
+        for (const Point3& p : points + uniform(500, 2, -3.0, 3.0))
+            ASSERT_EQ(store.hc3.hilbertIndex(p), store.plainKey(p)) << extent << p;
+    }
+}
+
+TEST(Store, cornersAndOctantsOfACube) {
+    Store store;
+    store.insert({{0, 0, 0}, {8, 8, 8}});
+    EXPECT_EQ(store.hc3.hilbertIndex(store.hc3.getBbox().getMinPoint()), 0U);
+    EXPECT_EQ(store.hc3.hilbertIndex(store.hc3.getBbox().getMaxPoint()), MAX_CORNER_KEY);
+    EXPECT_EQ(store.hc3.hilbertIndex({99, 99, 99}), MAX_CORNER_KEY);
+    const unsigned order[8] = {0, 1, 3, 2, 6, 7, 5, 4};
+    for (unsigned digit = 0; digit < 8; ++digit) {
+        const unsigned octant = order[digit];
+        const Point3 p(octant & 4 ? 6 : 2, octant & 2 ? 6 : 2, octant & 1 ? 6 : 2);
+        EXPECT_EQ(store.hc3.hilbertIndex(p) >> 24, digit);
+    }
+}
+
+TEST(Store, shorterKeysAreTheFirstDigits) {
+    for (const unsigned numBits : {3U, 12U, 30U}) {
+        HC3 hc3(numBits);
+        Store full;
+        std::vector<Point3*> handles;
+        std::vector<Point3*> added;
+        hc3.insertOne({0, 0, 0});
+        full.hc3.insertOne({0, 0, 0});
+        hc3.insertOne({1, 2, 3});
+        full.hc3.insertOne({1, 2, 3});
+        for (const Point3& p : uniform(100, 3, 0.0, 3.0)) {
+            const std::uint32_t key = full.hc3.hilbertIndex(p);
+            EXPECT_EQ(numBits > 27 ? hc3.hilbertIndex(p) >> (numBits - 27) : hc3.hilbertIndex(p),
+                      numBits > 27 ? key : key >> (27 - numBits));
+        }
+    }
+}
+
+TEST(Store, refusesOtherKeyLengths) {
+    for (const unsigned numBits : {1U, 28U, 32U, 33U, 36U}) {
+        const std::string output = outputOf([&] { EXPECT_THROW(HC3 hc3(numBits), VarnException); });
+        EXPECT_THAT(output, testing::StartsWith("HC3::HC3(..): invalid bitlength\n")) << numBits;
+    }
+}
+
+// In one process: the first batch that grows a box gets the narrow margin, nothing else ever does.
+TEST(Store, boxesGrowByTheirFactors) {
+    Store first;
+    first.hc3.insertOne({1, 1, 1});
+    EXPECT_EQ(first.box(), enlarged({1, 1, 1}, {1, 1, 1}, 1.0));
+    first.hc3.insertOne({2, 3, 5});
+    EXPECT_EQ(first.box(), enlarged({1, 1, 1}, {2, 3, 5}, 1.0));
+
+    Store second;
+    second.insert({{0, 0, 0}, {10, 20, 40}});
+    const auto narrow = enlarged({0, 0, 0}, {10, 20, 40}, 0.1);
+    EXPECT_EQ(second.box(), narrow);
+    second.insert({{-0.25, 20.5, 41}, {5, 5, 5}});
+    EXPECT_EQ(second.box(), narrow) << "inside the margin nothing grows";
+    second.insert({{5, 5, 100}, {5, 5, 5}});
+    EXPECT_EQ(second.box(), enlarged(narrow.first, {narrow.second[0], narrow.second[1], 100}, 1.0));
+
+    Store third;
+    third.insert({{0, 0, 0}, {1, 1, 1}});
+    EXPECT_EQ(third.box(), enlarged({0, 0, 0}, {1, 1, 1}, 1.0));
+}
+
+TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrder) {
+    Store store;
+    std::map<Coordinates, Point3*> known;
+    for (std::uint64_t round = 0; round < 5; ++round) {
+        // The last rounds leave the box; many points share a cell and some are equal.
+        const double span = round < 3 ? 1.0 : 50.0 * static_cast<double>(round);
+        Points points = uniform(300, round, 0.0, span) + lattice(100, 4, 4, 4, round) +
+                        uniform(100, round, 0.5, 0.5001);
+        points = shuffled(points, round);
+        store.insert(points);
+        std::vector<std::pair<std::uint32_t, std::size_t>> order;
+        for (std::size_t i = 0; i < points.size(); ++i)
+            order.emplace_back(store.plainKey(points[i]), i);
+        std::sort(order.begin(), order.end());
+        std::vector<Point3*> expected;
+        for (const auto& [key, i] : order)
+            if (known.emplace(coordinatesOf(points[i]), store.handles[i]).second)
+                expected.push_back(store.handles[i]);
+        EXPECT_EQ(store.added, expected);
+        ASSERT_EQ(store.handles.size(), points.size());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            ASSERT_EQ(*store.handles[i], points[i]);
+            ASSERT_EQ(store.handles[i], known.at(coordinatesOf(points[i])));
+        }
+
+        EXPECT_EQ(store.hc3.getNumVertices(), known.size());
+        std::vector<Point3*> listed;
+        store.hc3.getVertices(listed);
+        EXPECT_EQ(listed.size(), known.size());
+        EXPECT_EQ(std::set<Point3*>(listed.begin(), listed.end()).size(), known.size());
+        EXPECT_TRUE(std::is_sorted(listed.begin(), listed.end(), [&](Point3* a, Point3* b) {
+            return store.plainKey(*a) < store.plainKey(*b);
+        }));
+    }
+}
+
+TEST(Store, singleInsertionsFindWhatBatchesStored) {
+    Store store;
+    const Points points = lattice(200, 5, 5, 5, 1);
+    store.insert(points);
+    const std::size_t numVertices = store.hc3.getNumVertices();
+    for (std::size_t i = 0; i < points.size(); ++i)
+        EXPECT_EQ(store.hc3.insertOne(points[i]).first, store.handles[i]);
+    EXPECT_EQ(store.hc3.insertOne({-0.0, 0, 0}).first, store.hc3.insertOne({0, -0.0, 0}).first);
+    EXPECT_LE(store.hc3.getNumVertices(), numVertices + 1);
+    Point3* fresh = store.hc3.insertOne({9, 9, 9}).first;
+    EXPECT_EQ(*fresh, Point3(9, 9, 9));
+    EXPECT_EQ(fresh->getOneTet(), nullptr);
+    store.insert({{9, 9, 9}});
+    EXPECT_EQ(store.handles.front(), fresh);
+    EXPECT_TRUE(store.added.empty());
+}
+
+TEST(Store, aStartTetrahedronIsFoundWhereverItIs) {
+    Tet3 tet;
+    for (const std::size_t owner : {0U, 57U, 199U}) {
+        Store store;
+        const Points points = uniform(200, 1);
+        store.insert(points);
+        EXPECT_EQ(store.hc3.findStartTet({0.5, 0.5, 0.5}), nullptr);
+        EXPECT_EQ(store.hc3.insertOne({0.5, 0.5, 0.5}).second, nullptr);
+        store.handles[owner]->setOneTet(&tet);
+        for (const Point3& p : points + uniform(20, 2, -1.0, 2.0)) {
+            EXPECT_EQ(store.hc3.findStartTet(p), &tet);
+            EXPECT_EQ(store.hc3.insertOne(p).second, &tet);
+        }
+    }
+}
+
+TEST(Store, failedChecks) {
+    Store store;
+    EXPECT_THAT(outputOf([&] { EXPECT_THROW(store.hc3.hilbertIndex({}), VarnException); }),
+                testing::HasSubstr("Condition [ bValid failed ]"));
+    store.insert({{1, 1, 1}});
+    std::vector<Point3*> added;
+    EXPECT_THAT(
+        outputOf([&] {
+            EXPECT_THROW(store.hc3.insert({{2, 2, 2}}, store.handles, added), VarnException);
+        }),
+        testing::HasSubstr("Condition [ vUserHandles.empty() failed ]"));
+    EXPECT_EQ(store.hc3.getNumVertices(), 1U);
+}
+
+}  // namespace
