@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "dt3Library/MeshAccess.h"
+#include "dt3Library/Varn_3D.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
+
+// One engine a thread: they share nothing but what is made for it. Run under the thread sanitizer
+// as well.
+
+namespace {
+
+using VARN3D::Point3;
+using VARN3D::Tet3;
+using VARN3D::Varn_3D;
+
+struct Work {
+    std::size_t numTets = 0;
+    std::vector<std::int32_t> labels;
+
+    void run(std::uint64_t seed) {
+        Varn_3D triangulation;
+        std::vector<Point3> batch = support::uniform(2000, seed);
+        triangulation.insert(batch);
+        for (Point3& p : support::uniform(200, seed + 100)) triangulation.insert(p);
+        std::vector<Tet3*> tets;
+        triangulation.getTetrahedra(tets);
+        for (const Tet3* tet : tets) labels.push_back(VARN3D::MeshAccess::label(tet));
+        numTets = tets.size();
+        EXPECT_TRUE(triangulation.checkValidity("thread", true));
+        EXPECT_NE(triangulation.locate(Point3(0.5, 0.5, 0.5)), nullptr);
+        std::string name = "engine";
+        benchCounter(name);
+        VARN3D::timer("thread " + std::to_string(seed));
+    }
+};
+
+TEST(Threads, EightEnginesDoNotDisturbEachOther) {
+    constexpr std::size_t NUM_THREADS = 8;
+    support::outputOf([&] {
+        std::vector<Work> together(NUM_THREADS);
+        std::vector<std::thread> threads;
+        for (std::size_t i = 0; i < NUM_THREADS; ++i)
+            threads.emplace_back([&together, i] { together[i].run(i / 2); });
+        for (std::thread& thread : threads) thread.join();
+
+        std::set<std::int32_t> labels;
+        std::size_t total = 0;
+        for (std::size_t i = 0; i < NUM_THREADS; ++i) {
+            Work alone;
+            alone.run(i / 2);
+            EXPECT_EQ(together[i].numTets, alone.numTets);
+            labels.insert(together[i].labels.begin(), together[i].labels.end());
+            total += together[i].numTets;
+        }
+        EXPECT_EQ(labels.size(), total) << "labels are unique in the process";
+    });
+}
+
+}  // namespace
