@@ -34,6 +34,11 @@ bool Bbox3::isValid() const {
     return minX < DBL_MAX;
 }
 
+bool Bbox3::hasBoundsOf(const Bbox3& other) const {
+    return minX == other.minX && minY == other.minY && minZ == other.minZ && maxX == other.maxX &&
+           maxY == other.maxY && maxZ == other.maxZ;
+}
+
 bool Bbox3::add(const Point3& p) {
     if (!isValid()) {
         p.xyz(minX, minY, minZ);
@@ -42,15 +47,16 @@ bool Bbox3::add(const Point3& p) {
     }
     const Bbox3 before(*this);
     treatPointForValidBox(p);
-    return before.minX != minX || before.minY != minY || before.minZ != minZ ||
-           before.maxX != maxX || before.maxY != maxY || before.maxZ != maxZ;
+    return !hasBoundsOf(before);
 }
 
 bool Bbox3::add(const std::vector<Point3>& v) {
-    bool bChanged = false;
-    for (const Point3& p : v)
-        if (add(p)) bChanged = true;
-    return bChanged;
+    if (v.empty()) return false;
+    const bool bWasValid = isValid();
+    const Bbox3 before(*this);
+    if (!bWasValid) add(v.front());
+    for (const Point3& p : v) treatPointForValidBox(p);
+    return !bWasValid || !hasBoundsOf(before);
 }
 
 void Bbox3::treatPointForValidBox(const Point3& p) {

@@ -67,6 +67,8 @@ class VARN3D_EXPORT Bbox3 {
     void treatPointForValidBox(const Point3& p);
 
   private:
+    bool hasBoundsOf(const Bbox3& other) const;
+
     double minX;
     double minY;
     double minZ;

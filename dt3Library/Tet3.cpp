@@ -234,17 +234,20 @@ std::pair<int, int> Tet3::getEdgeIndices(int i, int j) {
 // ---- Output ------------------------------------------------------------------------------------
 
 std::ostream& operator<<(std::ostream& out, const Tet3& tet) {
-    const GeomTest3 predicates;
-    const Orientation3 orientation = predicates.getOrientation3(
-        tet.aVertexPointer[0], tet.aVertexPointer[1], tet.aVertexPointer[2], tet.aVertexPointer[3]);
+    Point3 *p0, *p1, *p2, *p3;
+    tet.getCorners(p0, p1, p2, p3);
+    const bool bHasCorners = !tet.hasVertex(static_cast<const Point3*>(nullptr));
+    const char* const orientationName =
+        bHasCorners ? getOrientationName(GeomTest3().getOrientation3(p0, p1, p2, p3)) : "none";
     out << "Tetrahedron (ID=" << tet.label << "), (this=" << address(&tet)
-        << "): hasBeenVisited=" << (tet.hasBeenVisited ? 1 : 0)
-        << ", ownOri=" << getOrientationName(orientation) << std::endl;
+        << "): hasBeenVisited=" << (tet.hasBeenVisited ? 1 : 0) << ", ownOri=" << orientationName
+        << std::endl;
     for (int ith = 0; ith < 4; ++ith) {
         const Point3* corner = tet.aVertexPointer[ith];
         const Tet3* opposite = tet.aOppTets[ith];
-        out << "ith=" << ith << ", vertex (" << address(corner) << "): " << *corner
-            << "  oppTet=" << address(opposite) << (opposite == nullptr ? " (NULL)" : "")
+        out << "ith=" << ith << ", vertex (" << address(corner) << "): ";
+        if (corner != nullptr) out << *corner;
+        out << "  oppTet=" << address(opposite) << (opposite == nullptr ? " (NULL)" : "")
             << std::endl;
     }
     return out;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <ctime>
+#include <stdexcept>
 
 #include "dt3Library/tools.h"
 
@@ -36,16 +37,16 @@ void generateRandomNumbers(std::uint64_t num, double min, double max, std::vecto
     else
         seedByTime();
     varnAssertText(min < max, "min<max");
-    out.reserve(out.size() + num);
-    for (std::uint64_t i = 0; i < num; ++i) out.push_back(toRange(std::rand(), min, max));
+    auto number = out.insert(out.end(), num, 0.0);
+    for (; number != out.end(); ++number) *number = toRange(std::rand(), min, max);
 }
 
 void generateRandomPoints(std::uint64_t num, double min, double max, std::vector<Point3>& out,
                           std::uint32_t seed) {
     varnAssertText(min < max, "min<max");
     std::vector<double> numbers;
+    if (num > numbers.max_size() / 3) throw std::length_error("generateRandomPoints");
     generateRandomNumbers(3 * num, min, max, numbers, seed);
-    out.reserve(out.size() + num);
     for (std::size_t i = 0; i < numbers.size(); i += 3)
         out.emplace_back(numbers[i], numbers[i + 1], numbers[i + 2]);
 }
