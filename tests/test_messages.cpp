@@ -1,0 +1,103 @@
+#include <csignal>
+#include <thread>
+#include <vector>
+
+#include "dt3Library/tools.h"
+#include "tests/support/Failures.h"
+
+using namespace VARN3D;
+using support::outputOf;
+
+namespace {
+
+/// An access fault, or what a sanitizer makes of it.
+bool crashed(int status) {
+    return ::testing::KilledBySignal(SIGSEGV)(status) || ::testing::ExitedWithCode(1)(status) ||
+           ::testing::ExitedWithCode(66)(status);
+}
+
+void count(std::string name) {
+    benchCounter(name);
+}
+
+}  // namespace
+
+TEST(Messages, WarningsErrorsAndBanners) {
+    EXPECT_EQ(outputOf([] { printWarning("who", "text"); }), "\n      who, WARNING: text\n\n");
+    EXPECT_EQ(outputOf([] { printError("who", "text"); }), "\n      who, ERROR: text\n\n");
+    const std::string rule(36 + 4, '*');
+    EXPECT_EQ(outputOf([] { printBanner("text"); }),
+              "\n\n" + rule + "\n" + rule + "\n                text\n" + rule + "\n" + rule + "\n");
+}
+
+TEST(Messages, FailedChecksPrintBeforeTheyThrow) {
+    const int two = 2;
+    EXPECT_EQ(outputOf([&] { varnAssert(two == 2); }), "");
+    EXPECT_THAT(support::failureOf([&] { varnAssert(two == 3); }),
+                ::testing::StartsWith("\n      Varn, , ERROR: Condition [ two == 3 failed ]\n\n"));
+    EXPECT_EQ(
+        support::failureOf([&] { varnAssertAt(two == 3, "a == b", "x/dt3Library/Y.cpp", 7); }),
+        "\n      Varn, , ERROR: Condition [ a == b failed ]\n\n      dt3Library/Y.cpp:7\n");
+    EXPECT_EQ(
+        support::failureOf([] { conditionFailed("c", "/dt3Library/a/dt3Library/b/Z.h", 12); }),
+        "\n      Varn, , ERROR: Condition [ c failed ]\n\n      dt3Library/b/Z.h:12\n");
+    EXPECT_STREQ(VarnException().what(),
+                 "\n  VARN EXCEPTION due to a bug _or_ wrong usage of Varn. If you think it is a "
+                 "\n  bug then please report this incident and it will be fixed quickly: "
+                 "varn3d@example.org");
+}
+
+TEST(MessagesDeathTest, HellIsAnAccessFault) {
+    EXPECT_EXIT(
+        {
+            support::printOnStandardError();
+            goToHell("no way");
+        },
+        crashed, ::testing::HasSubstr("\n      goToHell, ERROR:  reason: no way\n\n"));
+}
+
+TEST(Messages, DumpPrefixesCountOn) {
+    EXPECT_EQ(getNextDumpPrefix(), "00001_");
+    EXPECT_EQ(getNextDumpPrefix(), "00002_");
+    for (int i = 3; i < 99999; ++i) getNextDumpPrefix();
+    EXPECT_EQ(getNextDumpPrefix(), "99999_");
+    EXPECT_EQ(getNextDumpPrefix(), "100000_");
+}
+
+TEST(Timers, StartAndStopInTurn) {
+    double result = 0.0;
+    EXPECT_EQ(outputOf([&] { result = timer("x"); }), "\n*** Timer [x] start\n");
+    EXPECT_EQ(result, -1.0);
+    outputOf([] { timer("y"); });
+    EXPECT_THAT(outputOf([&] { result = timer("x"); }),
+                ::testing::MatchesRegex(
+                    "\\*\\*\\* Timer \\[x\\] stop, elapsed time: [0-9]+\\.[0-9][0-9][0-9] s\n"));
+    EXPECT_GE(result, 0.0);
+    EXPECT_EQ(outputOf([] { std::cout << 0.5; }), "0.500000");
+    outputOf([&] { result = timer("x"); });
+    EXPECT_EQ(result, -1.0);
+}
+
+TEST(Counters, ArePrintedByName) {
+    EXPECT_EQ(outputOf([] { count("GETCOUNTERS"); }), "\nCounters: \n");
+    for (const char* name : {"b", "a", "a"}) count(name);
+    for (int twice = 0; twice < 2; ++twice)
+        EXPECT_EQ(outputOf([] { count("GETCOUNTERS"); }), "\nCounters: \na\t2\nb\t1\n");
+}
+
+TEST(Counters, TakeCallsFromManyThreads) {
+    outputOf([] {
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([t] {
+                for (int i = 0; i < 500; ++i) {
+                    count("shared");
+                    timer("thread " + std::to_string(t));
+                    getNextDumpPrefix();
+                }
+            });
+        for (std::thread& thread : threads) thread.join();
+    });
+    EXPECT_EQ(outputOf([] { count("GETCOUNTERS"); }), "\nCounters: \nshared\t2000\n");
+    EXPECT_EQ(getNextDumpPrefix(), "02001_");
+}

@@ -1,0 +1,187 @@
+#include <cstdint>
+#include <limits>
+#include <set>
+#include <vector>
+
+#include "dt3Library/Tet3.h"
+#include "dt3Library/geom_tools/SimplePool.h"
+#include "tests/support/Failures.h"
+
+using namespace VARN3D;
+using support::failureOf;
+using support::outputOf;
+
+// Where there is not enough memory the sanitizers are to say so as the system does.
+extern "C" const char* __asan_default_options();
+extern "C" const char* __asan_default_options() {
+    return "allocator_may_return_null=1";
+}
+extern "C" const char* __tsan_default_options();
+extern "C" const char* __tsan_default_options() {
+    return "allocator_may_return_null=1";
+}
+
+namespace {
+
+using Sizes = std::vector<std::int32_t>;
+
+struct Small {
+    std::int32_t number;
+};
+
+/// Of which a block holds 100 at most.
+struct Large {
+    char bytes[1000000];
+};
+
+/// Further blocks all have the same size.
+struct Steady {
+    char bytes[32];
+};
+
+/// One fits into memory, a further block doesn't.
+struct Hungry {
+    char bytes[1 << 20];
+};
+
+/// Not even the first block fits.
+struct Starving {
+    char bytes[1 << 20];
+};
+
+std::string lackOfMemory(const std::string& message) {
+    return message + support::checkReport("false", "dt3Library/geom_tools/SimplePool.h");
+}
+
+}  // namespace
+
+template <>
+struct VARN3D::SimplePoolTraits<Steady> {
+    static constexpr std::int32_t initialSize = 1024;
+    static constexpr std::int32_t increase = 512;
+};
+
+template <>
+struct VARN3D::SimplePoolTraits<Hungry> {
+    static constexpr std::int32_t initialSize = 2;
+    static constexpr std::int32_t increase = std::numeric_limits<std::int32_t>::max();
+};
+
+template <>
+struct VARN3D::SimplePoolTraits<Starving> {
+    static constexpr std::int32_t initialSize = std::numeric_limits<std::int32_t>::max();
+    static constexpr std::int32_t increase = poolGrowthRule;
+};
+
+TEST(SimplePool, BlocksGrowByTheRule) {
+    SimplePool<Small> pool;
+    pool.init();
+    std::set<Small*> slots;
+    const std::int32_t numSlots = 4 + 2 + 4 + 8 + 16;
+    for (std::int32_t i = 0; i < numSlots; ++i) {
+        Small* slot = pool.alloc();
+        slot->number = i;
+        slots.insert(slot);
+        const Sizes sizes = i < 4 ? Sizes{4} : i < 6 ? Sizes{4, 2} : Sizes{4, 2, 4};
+        if (i < 10) {
+            EXPECT_EQ(pool.getBlockSizes(), sizes) << i;
+        }
+    }
+    EXPECT_EQ(slots.size(), static_cast<std::size_t>(numSlots));
+    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8, 16}));
+    pool.alloc()->number = numSlots;
+
+    std::int32_t next = 0;
+    Sizes used;
+    pool.forEachBlock([&](const Small* first, std::int32_t numUsed) {
+        used.push_back(numUsed);
+        for (std::int32_t i = 0; i < numUsed; ++i) EXPECT_EQ(first[i].number, next++);
+    });
+    EXPECT_EQ(used, (Sizes{4, 2, 4, 8, 16, 1}));
+}
+
+TEST(SimplePool, LibraryRecordsHaveTheirBlockSizes) {
+    SimplePool<Tet3> tets;
+    tets.init();
+    for (int i = 0; i < 28 + 14 + 28 + 1; ++i) tets.alloc();
+    EXPECT_EQ(tets.getBlockSizes(), (Sizes{28, 14, 28, 56}));
+    SimplePool<Steady> halves;
+    halves.init();
+    for (int i = 0; i < 1024 + 512 + 1; ++i) halves.alloc();
+    EXPECT_EQ(halves.getBlockSizes(), (Sizes{1024, 512, 512}));
+}
+
+TEST(SimplePool, BlocksStopGrowingAtTheirLargestSize) {
+    SimplePool<Large> pool;
+    pool.init();
+    while (pool.getBlockSizes().size() < 10) pool.alloc();
+    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8, 16, 32, 64, 100, 100, 100}));
+}
+
+TEST(SimplePool, ResetKeepsTheFirstBlockAndTheSizesReached) {
+    SimplePool<Small> pool;
+    pool.init();
+    Small* const first = pool.alloc();
+    pool.reset();
+    EXPECT_EQ(pool.alloc(), first);
+    for (int i = 1; i < 4 + 2 + 4 + 1; ++i) pool.alloc();
+    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8}));
+
+    pool.reset();
+    EXPECT_EQ(pool.alloc(), first);
+    for (int i = 1; i < 4; ++i) EXPECT_EQ(pool.alloc(), first + i);
+    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8}));
+    pool.alloc();
+    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8, 16}));
+    Sizes used;
+    pool.forEachBlock([&](const Small*, std::int32_t numUsed) { used.push_back(numUsed); });
+    EXPECT_EQ(used, (Sizes{4, 1}));
+}
+
+TEST(SimplePool, IsInitialisedOnce) {
+    SimplePool<Small> pool;
+    const auto notReady =
+        support::endsInCheck("", "initialized", "dt3Library/geom_tools/SimplePool.h");
+    EXPECT_THAT(failureOf([&] { pool.alloc(); }), notReady);
+    EXPECT_THAT(failureOf([&] { pool.alloc(); }), notReady);
+    pool.init();
+    Small* const first = pool.alloc();
+    EXPECT_THAT(
+        failureOf([&] { pool.init(); }),
+        support::endsInCheck("SimplePool::init(..), ERROR: This pool is already initialized\n",
+                             "false", "dt3Library/geom_tools/SimplePool.h"));
+    EXPECT_EQ(pool.alloc(), first + 1);
+}
+
+TEST(SimplePool, LackOfMemoryLeavesItAsItWas) {
+    const auto report =
+        ::testing::StartsWith(lackOfMemory("SimplePool::alloc(..), ERROR: Out of memory, sorry\n"));
+    SimplePool<Hungry> pool;
+    pool.init();
+    Hungry* const first = pool.alloc();
+    EXPECT_EQ(pool.alloc(), first + 1);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_THAT(failureOf([&] { pool.alloc(); }), report);
+        EXPECT_EQ(pool.getBlockSizes(), (Sizes{2}));
+    }
+    pool.reset();
+    EXPECT_EQ(pool.alloc(), first);
+
+    SimplePool<Starving> hopeless;
+    EXPECT_THAT(failureOf([&] { hopeless.init(); }), report);
+    EXPECT_THAT(failureOf([&] { hopeless.init(); }), report);
+    EXPECT_THAT(failureOf([&] { hopeless.alloc(); }),
+                ::testing::HasSubstr("[ initialized failed ]"));
+}
+
+TEST(SimplePool, ManyBlocksAreReportedAtTheEnd) {
+    const auto outputWith = [](std::size_t numBlocks) {
+        return outputOf([numBlocks] {
+            SimplePool<Steady> pool;
+            pool.init();
+            while (pool.getBlockSizes().size() < numBlocks) pool.alloc();
+        });
+    };
+    EXPECT_EQ(outputWith(50), "");
+    EXPECT_EQ(outputWith(51), "SimplePool::~SimplePool: Number of containers to release: 51\n");
+}
