@@ -1,6 +1,7 @@
 #include "dt3Library/Cavity.h"
 
 #include <cmath>
+#include <cstdint>
 #include <iomanip>
 #include <iostream>
 #include <limits>
@@ -19,11 +20,11 @@ constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
 #if defined(__GNUC__)
-inline void prefetch(const void* address) {
-    __builtin_prefetch(address);
+inline void prefetch(std::uintptr_t address) {
+    __builtin_prefetch(reinterpret_cast<const void*>(address));
 }
 #else
-inline void prefetch(const void*) {}
+inline void prefetch(std::uintptr_t) {}
 #endif
 
 int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
@@ -222,8 +223,8 @@ inline void Cavity::visitNeighbours(const Doomed& current) {
                 double orientation[4];
                 for (int k = 0; k < 4; ++k) {
                     const Tet3* next = MeshAccess::neighbour(neighbour, k);
-                    prefetch(next);
-                    prefetch(reinterpret_cast<const char*>(next) + 64);
+                    prefetch(reinterpret_cast<std::uintptr_t>(next));
+                    prefetch(reinterpret_cast<std::uintptr_t>(next) + 64);
                     const int own = MeshAccess::cavityNumber(MeshAccess::corner(neighbour, k));
                     int place = 0;
                     for (int m = 1; m < 4; ++m) place = own == candidate.number[m] ? m : place;
