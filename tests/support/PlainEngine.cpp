@@ -212,7 +212,7 @@ int PlainEngine::insertVertex(int p, int start) {
 int PlainEngine::insertInside(int p, int start) {
     int last = NONE;
     std::vector<int> stack = {start};
-    tets[static_cast<std::size_t>(start)].bDoomed = true;
+    doom(start);
     while (!stack.empty()) {
         const int current = stack.back();
         stack.pop_back();
@@ -220,13 +220,11 @@ int PlainEngine::insertInside(int p, int start) {
             const int outer = neighbour(current, i);
             if (outer != NONE && isDoomed(outer)) continue;
             if (outer != NONE && isInConflict(outer, p)) {
-                tets[static_cast<std::size_t>(outer)].bDoomed = true;
+                doom(outer);
                 stack.push_back(outer);
                 continue;
             }
-            last = createOn(INNER[i], p, current);
-            if (outer != NONE) link({last, 0}, {outer, indexOf(outer, current)});
-            glueFacetsAt(p, last);
+            last = createOn(INNER[i], p, current, outer);
         }
     }
     require(unglued.empty(), "all facets glued");
@@ -237,9 +235,9 @@ int PlainEngine::insertOutside(int p, int hullTet, int facet) {
     std::vector<int> staying;
     std::vector<int> doomed;
     for (const int seed : visibleHullTets(p, hullTet, facet)) {
-        const bool bDoomed = isInConflict(seed, p);
-        (bDoomed ? doomed : staying).push_back(seed);
-        tets[static_cast<std::size_t>(seed)].bDoomed = bDoomed;
+        const bool bConflict = isInConflict(seed, p);
+        (bConflict ? doomed : staying).push_back(seed);
+        if (bConflict) doom(seed);
     }
     std::vector<int> stack = doomed;
     while (!stack.empty()) {
@@ -248,7 +246,7 @@ int PlainEngine::insertOutside(int p, int hullTet, int facet) {
         for (int i = 0; i < 4; ++i) {
             const int next = neighbour(current, i);
             if (next == NONE || isDoomed(next) || !isInConflict(next, p)) continue;
-            tets[static_cast<std::size_t>(next)].bDoomed = true;
+            doom(next);
             doomed.push_back(next);
             stack.push_back(next);
         }
@@ -257,9 +255,8 @@ int PlainEngine::insertOutside(int p, int hullTet, int facet) {
     for (const int t : staying)
         for (int i = 0; i < 4; ++i) {
             if (neighbour(t, i) != NONE || side(t, i, p) != ORIENTATION3_NEGATIVE) continue;
-            lastOnHull = createOn(OUTER[i], p, t);
+            lastOnHull = createOn(OUTER[i], p, t, NONE);
             link({lastOnHull, 0}, {t, i});
-            glueFacetsAt(p, lastOnHull);
         }
     int lastInside = NONE;
     for (const int t : doomed)
@@ -267,9 +264,7 @@ int PlainEngine::insertOutside(int p, int hullTet, int facet) {
             const int outer = neighbour(t, i);
             if (side(t, i, p) != ORIENTATION3_POSITIVE) continue;
             if (outer != NONE && isDoomed(outer)) continue;
-            lastInside = createOn(INNER[i], p, t);
-            if (outer != NONE) link({lastInside, 0}, {outer, indexOf(outer, t)});
-            glueFacetsAt(p, lastInside);
+            lastInside = createOn(INNER[i], p, t, outer);
         }
     unglued.clear();  // the new hull
     return lastOnHull != NONE ? lastOnHull : lastInside;
@@ -409,28 +404,26 @@ int PlainEngine::createTet(int a, int b, int c, int d) {
     return tet;
 }
 
-int PlainEngine::createOn(const int (&order)[3], int p, int tet) {
-    return createTet(p, corner(tet, order[0]), corner(tet, order[1]), corner(tet, order[2]));
+/// A tetrahedron of p and a facet's corners, linked to the one behind the facet, and its three
+/// facets through p offered to others.
+int PlainEngine::createOn(const int (&order)[3], int p, int tet, int behind) {
+    const int created =
+        createTet(p, corner(tet, order[0]), corner(tet, order[1]), corner(tet, order[2]));
+    if (behind != NONE) link({created, 0}, {behind, indexOf(behind, tet)});
+    for (int i = 1; i < 4; ++i) {
+        const std::pair<int, int> key =
+            std::minmax(corner(created, i % 3 + 1), corner(created, (i + 1) % 3 + 1));
+        const auto [place, bWaiting] = unglued.emplace(key, Facet{created, i});
+        if (bWaiting) continue;
+        link(place->second, {created, i});
+        unglued.erase(place);
+    }
+    return created;
 }
 
 void PlainEngine::link(Facet from, Facet to) {
-    tets[static_cast<std::size_t>(from.first)].neighbours[static_cast<std::size_t>(from.second)] =
-        to.first;
-    tets[static_cast<std::size_t>(to.first)].neighbours[static_cast<std::size_t>(to.second)] =
-        from.first;
-}
-
-/// Offers the three facets through p, which is corner 0.
-void PlainEngine::glueFacetsAt(int p, int tet) {
-    require(corner(tet, 0) == p, "the new vertex first");
-    for (int i = 1; i < 4; ++i) {
-        const std::pair<int, int> key =
-            std::minmax(corner(tet, i % 3 + 1), corner(tet, (i + 1) % 3 + 1));
-        const auto [place, bWaiting] = unglued.emplace(key, Facet{tet, i});
-        if (bWaiting) continue;
-        link(place->second, {tet, i});
-        unglued.erase(place);
-    }
+    neighbour(from.first, from.second) = to.first;
+    neighbour(to.first, to.second) = from.first;
 }
 
 std::vector<LabelledTet> PlainEngine::labelledMesh() const {

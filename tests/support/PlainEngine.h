@@ -60,6 +60,9 @@ class PlainEngine {
     int neighbour(int tet, int i) const {
         return at(tets, tet).neighbours[static_cast<std::size_t>(i)];
     }
+    int& neighbour(int tet, int i) {
+        return tets[static_cast<std::size_t>(tet)].neighbours[static_cast<std::size_t>(i)];
+    }
     bool isDoomed(int tet) const { return at(tets, tet).bDoomed; }
     int indexOf(int tet, int ofNeighbour) const;
 
@@ -87,9 +90,9 @@ class PlainEngine {
     VARN3D::Orientation3 side(int tet, int facet, int p) const;
     bool isInConflict(int tet, int p);
     int createTet(int a, int b, int c, int d);
-    int createOn(const int (&order)[3], int p, int tet);
+    int createOn(const int (&order)[3], int p, int tet, int behind);
     void link(Facet from, Facet to);
-    void glueFacetsAt(int p, int tet);
+    void doom(int tet) { tets[static_cast<std::size_t>(tet)].bDoomed = true; }
 
     VARN3D::GeomTest3 predicates;
     VARN3D::Tet3 scratch;
