@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -109,11 +110,28 @@ void PointFile::release() {
 }
 
 void Report::addTetrahedron(const double* a, const double* b, const double* c, const double* d) {
-    const double ax = a[0] - d[0], ay = a[1] - d[1], az = a[2] - d[2];
-    const double bx = b[0] - d[0], by = b[1] - d[1], bz = b[2] - d[2];
-    const double cx = c[0] - d[0], cy = c[1] - d[1], cz = c[2] - d[2];
-    const double determinant =
-        ax * (by * cz - bz * cy) - ay * (bx * cz - bz * cx) + az * (bx * cy - by * cx);
+    std::array<const double*, 4> corners = {a, b, c, d};
+    // Edges along a path sorted on the longest axis are as short as they can be, so that a
+    // tetrahedron between far clusters does not lose its volume to rounding.
+    int axis = 0;
+    double extent = -1.0;
+    for (int i = 0; i < 3; ++i) {
+        const auto [low, high] = std::minmax({a[i], b[i], c[i], d[i]});
+        if (high - low > extent) {
+            extent = high - low;
+            axis = i;
+        }
+    }
+    std::sort(corners.begin(), corners.end(),
+              [axis](const double* p, const double* q) { return p[axis] < q[axis]; });
+    std::array<Position, 3> edges;
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t k = 0; k < 3; ++k) edges[i][k] = corners[i + 1][k] - corners[i][k];
+    }
+    const auto& [u, v, w] = edges;
+    const double determinant = u[0] * (v[1] * w[2] - v[2] * w[1]) -
+                               u[1] * (v[0] * w[2] - v[2] * w[0]) +
+                               u[2] * (v[0] * w[1] - v[1] * w[0]);
     volume += std::abs(determinant) / 6.0;
     ++tetrahedra;
 }
