@@ -6,50 +6,31 @@
 
 namespace VARN3D {
 
-/// A signed integer of N 64-bit limbs in two's complement, least significant first. Sums have as
-/// many limbs as their operands and products the limbs of both, so that whoever leaves the topmost
-/// bits of the inputs free never overflows; everything is on the stack.
-template <std::size_t N>
-struct FixedInteger {
-    std::array<std::uint64_t, N> limbs{};
+#if defined(__SIZEOF_INT128__)
+__extension__ using Uint128 = unsigned __int128;
+#endif
 
-    bool isNegative() const { return limbs[N - 1] >> 63 != 0; }
-    int sign() const {
-        if (isNegative()) return -1;
-        for (const std::uint64_t limb : limbs)
-            if (limb != 0) return 1;
-        return 0;
-    }
+/// a + b + carry, where carry is 0 or 1 and becomes the next one.
+inline std::uint64_t addWithCarry(std::uint64_t a, std::uint64_t b, std::uint64_t& carry) {
+    const std::uint64_t partial = a + carry;
+    const std::uint64_t sum = partial + b;
+    carry = static_cast<std::uint64_t>(partial < carry) | static_cast<std::uint64_t>(sum < b);
+    return sum;
+}
 
-    friend FixedInteger operator+(const FixedInteger& a, const FixedInteger& b) {
-        FixedInteger sum;
-        std::uint64_t carry = 0;
-        for (std::size_t i = 0; i < N; ++i) {
-            const std::uint64_t partial = a.limbs[i] + carry;
-            sum.limbs[i] = partial + b.limbs[i];
-            carry = (partial < carry ? 1U : 0U) + (sum.limbs[i] < partial ? 1U : 0U);
-        }
-        return sum;
-    }
+/// a - b - borrow, where borrow is 0 or 1 and becomes the next one.
+inline std::uint64_t subtractWithBorrow(std::uint64_t a, std::uint64_t b, std::uint64_t& borrow) {
+    const std::uint64_t partial = a - b;
+    const std::uint64_t difference = partial - borrow;
+    borrow = static_cast<std::uint64_t>(a < b) | static_cast<std::uint64_t>(partial < borrow);
+    return difference;
+}
 
-    friend FixedInteger operator-(const FixedInteger& a, const FixedInteger& b) {
-        FixedInteger difference;
-        std::uint64_t borrow = 0;
-        for (std::size_t i = 0; i < N; ++i) {
-            const std::uint64_t partial = a.limbs[i] - b.limbs[i];
-            difference.limbs[i] = partial - borrow;
-            borrow = (a.limbs[i] < b.limbs[i] ? 1U : 0U) + (partial < borrow ? 1U : 0U);
-        }
-        return difference;
-    }
-};
-
-/// The two halves of a 64-bit product, added to an addend that leaves room for them.
+/// The low half of a * b + addend1 + addend2, which always fits two halves.
 inline std::uint64_t multiplyAdd(std::uint64_t a, std::uint64_t b, std::uint64_t addend1,
                                  std::uint64_t addend2, std::uint64_t& high) {
 #if defined(__SIZEOF_INT128__)
-    __extension__ using Wide = unsigned __int128;
-    const Wide result = static_cast<Wide>(a) * b + addend1 + addend2;
+    const Uint128 result = static_cast<Uint128>(a) * b + addend1 + addend2;
     high = static_cast<std::uint64_t>(result >> 64);
     return static_cast<std::uint64_t>(result);
 #else
@@ -67,6 +48,38 @@ inline std::uint64_t multiplyAdd(std::uint64_t a, std::uint64_t b, std::uint64_t
 #endif
 }
 
+/// A signed integer of N 64-bit limbs in two's complement, least significant first. Sums have as
+/// many limbs as their operands and products the limbs of both, so that whoever leaves the topmost
+/// bits of the inputs free never overflows; everything is on the stack.
+template <std::size_t N>
+struct FixedInteger {
+    std::array<std::uint64_t, N> limbs{};
+
+    bool isNegative() const { return limbs[N - 1] >> 63 != 0; }
+    int sign() const {
+        if (isNegative()) return -1;
+        std::uint64_t any = 0;
+        for (const std::uint64_t limb : limbs) any |= limb;
+        return any != 0 ? 1 : 0;
+    }
+
+    friend FixedInteger operator+(const FixedInteger& a, const FixedInteger& b) {
+        FixedInteger sum;
+        std::uint64_t carry = 0;
+        for (std::size_t i = 0; i < N; ++i)
+            sum.limbs[i] = addWithCarry(a.limbs[i], b.limbs[i], carry);
+        return sum;
+    }
+
+    friend FixedInteger operator-(const FixedInteger& a, const FixedInteger& b) {
+        FixedInteger difference;
+        std::uint64_t borrow = 0;
+        for (std::size_t i = 0; i < N; ++i)
+            difference.limbs[i] = subtractWithBorrow(a.limbs[i], b.limbs[i], borrow);
+        return difference;
+    }
+};
+
 /// Schoolbook multiplication; a factor that is negative counts 2^64N too much as an unsigned
 /// number, so the other factor is taken off the upper limbs.
 template <std::size_t N, std::size_t M>
@@ -79,18 +92,15 @@ FixedInteger<N + M> operator*(const FixedInteger<N>& a, const FixedInteger<M>& b
                 multiplyAdd(a.limbs[i], b.limbs[j], product.limbs[i + j], carry, carry);
         product.limbs[i + M] = carry;
     }
-    const auto subtractAbove = [&product](const auto& factor, std::size_t offset) {
-        std::uint64_t borrow = 0;
-        for (std::size_t i = 0; i < factor.limbs.size(); ++i) {
-            std::uint64_t& limb = product.limbs[offset + i];
-            const std::uint64_t partial = limb - factor.limbs[i];
-            const std::uint64_t result = partial - borrow;
-            borrow = (limb < factor.limbs[i] ? 1U : 0U) + (partial < borrow ? 1U : 0U);
-            limb = result;
-        }
-    };
-    if (a.isNegative()) subtractAbove(b, N);
-    if (b.isNegative()) subtractAbove(a, M);
+    // Masks instead of branches: the signs are anybody's guess.
+    const std::uint64_t maskA = std::uint64_t{0} - (a.isNegative() ? 1U : 0U);
+    const std::uint64_t maskB = std::uint64_t{0} - (b.isNegative() ? 1U : 0U);
+    std::uint64_t borrow = 0;
+    for (std::size_t i = 0; i < M; ++i)
+        product.limbs[N + i] = subtractWithBorrow(product.limbs[N + i], b.limbs[i] & maskA, borrow);
+    borrow = 0;
+    for (std::size_t i = 0; i < N; ++i)
+        product.limbs[M + i] = subtractWithBorrow(product.limbs[M + i], a.limbs[i] & maskB, borrow);
     return product;
 }
 

@@ -1,19 +1,17 @@
 #include "dt3Library/GeomTest3.h"
 
-#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/MeshAccess.h"
 #include "dt3Library/predicateStages.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
 
-using predicateStages::BitRange;
-using predicateStages::Differences;
+using predicateStages::decideByIntegers;
+using predicateStages::Estimate;
 using predicateStages::Orientation;
 using predicateStages::Orientation2D;
 using predicateStages::Points;
 using predicateStages::Sphere;
-using predicateStages::Triple;
-using predicateStages::UNCERTAIN;
 using predicateStages::Verdict;
 
 namespace {
@@ -24,65 +22,30 @@ struct Decision {
     PredicateStage stage;
 };
 
-/// Goes through the stages that work with doubles, for points in the safe range.
+/// What the filter leaves.
 template <class Predicate>
-bool decideByDoubles(const Points<Predicate>& points, double errorBound, Decision& decision) {
-    using namespace predicateStages;
-    Differences<Predicate> differences(points);
-    const auto settle = [&decision](Verdict verdict, PredicateStage stage) {
-        decision = {verdict.sign, stage};
-        return verdict.bCertain;
-    };
-    if (settle(decideByFilter(differences, errorBound), PredicateStage::Filter)) return true;
-    differences.computeTails(points);
-    return settle(decideOnLattice(differences), PredicateStage::Lattice) ||
-           settle(decideByDoubleDouble(differences), PredicateStage::DoubleDouble) ||
-           settle(decideBySmallIntegers(differences), PredicateStage::SmallInteger);
-}
-
-/// Multiplies all coordinates by the power of two that takes them to the top of the safe range;
-/// that changes no sign.
-template <class Predicate>
-Points<Predicate> scaled(const Points<Predicate>& points, int exponent) {
-    Points<Predicate> result;
-    for (int i = 0; i <= Predicate::NUM_ROWS; ++i) {
-        const Triple<double>& p = points.p[i];
-        result.p[i] = {std::ldexp(p.x, exponent), std::ldexp(p.y, exponent),
-                       std::ldexp(p.z, exponent)};
-    }
-    return result;
-}
-
-/// Decides any call, whatever the finite coordinates.
-template <class Predicate>
-Decision decide(const Points<Predicate>& points, double errorBound) {
-    using namespace predicateStages;
-    Decision decision{0, PredicateStage::Filter};
-    if (areSafeAtFirstSight(points)) {
-        if (decideByDoubles(points, errorBound, decision)) return decision;
-    } else {
-        BitRange range;
-        range.include(points.p);
-        const int up = HIGHEST_SAFE_BIT - range.highest;
-        if (range.lowest + up >= LOWEST_SAFE_BIT &&
-            decideByDoubles(scaled(points, up), errorBound, decision))
-            return decision;
-    }
-    Verdict verdict = decideByIntegers<Predicate, 3>(points);
+Decision decideExactly(const Points<Predicate>& points, const Estimate& estimate) {
+    Verdict verdict = decideOnLattice(points, estimate);
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::Lattice};
+    verdict = decideByIntegers<Predicate, 1>(points);
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::SmallInteger};
+    verdict = decideByIntegers<Predicate, 2>(points);
     if (verdict.bCertain) return {verdict.sign, PredicateStage::MediumInteger};
-    verdict = decideByIntegers<Predicate, FULL_LIMBS>(points);
-    return {verdict.sign, PredicateStage::FullInteger};
+    return {signByWideIntegers(points), PredicateStage::WideInteger};
 }
 
-Triple<double> coordinates(const Point3* p) {
-    return {p->x(), p->y(), p->z()};
+template <class Predicate>
+inline Decision decide(const Points<Predicate>& points, double errorBound) {
+    const Estimate estimate = estimateOf(points);
+    const Verdict verdict = decideByFilter(estimate, errorBound);
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::Filter};
+    return decideExactly(points, estimate);
 }
 
-Orientation3 toOrientation(int sign) {
-    // Shewchuk's orient3d counts the other handedness as positive.
-    if (sign < 0) return ORIENTATION3_POSITIVE;
-    return sign > 0 ? ORIENTATION3_NEGATIVE : ORIENTATION3_COPLANAR;
-}
+/// By the sign plus 1; Shewchuk's orient3d counts the other handedness as positive. No branch: the
+/// sign is anybody's guess.
+constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTATION3_COPLANAR,
+                                                 ORIENTATION3_NEGATIVE};
 
 /// The order in which the corners of facet i see corner i on their positive side.
 constexpr int FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
@@ -132,64 +95,45 @@ GeomTest3::GeomTest3() {
     constants.isperrboundC = (71.0 + 1408.0 * epsilon) * epsilon * epsilon;
 }
 
-/// The filter has errors of rounding, which the bound covers, and of underflow: at most 2^-1074 in
-/// a product of two differences, times a third below 2^1025, so 2^-40 covers them all. (An overflow
-/// makes the bound infinite or a NaN, and nothing is then greater.) Whatever needs more care
-/// is decided in peace.
 Orientation3 GeomTest3::getOrientation3(const Point3* pa, const Point3* pb, const Point3* pc,
                                         const Point3* pd) const {
-    const Triple<double> d = coordinates(pd);
-    const Triple<double> rows[3] = {{pa->x() - d.x, pa->y() - d.y, pa->z() - d.z},
-                                    {pb->x() - d.x, pb->y() - d.y, pb->z() - d.z},
-                                    {pc->x() - d.x, pc->y() - d.y, pc->z() - d.z}};
-    const double determinant = Orientation::determinant(rows);
-    Triple<double> sizes[3];
-    for (int i = 0; i < 3; ++i)
-        sizes[i] = {std::fabs(rows[i].x), std::fabs(rows[i].y), std::fabs(rows[i].z)};
-    const double bound = constants.o3derrboundA * Orientation::permanent(sizes) + 0x1p-40;
-    if (determinant > bound || -determinant > bound) {
-        VARN3D_COUNT_STAGE(orientation, PredicateStage::Filter);
-        return determinant < 0.0 ? ORIENTATION3_POSITIVE : ORIENTATION3_NEGATIVE;
-    }
-    const Points<Orientation> points{{coordinates(pa), coordinates(pb), coordinates(pc), d}};
-    const Decision decision = decide(points, constants.o3derrboundA);
+    const Decision decision = decide<Orientation>({{pa, pb, pc, pd}}, constants.o3derrboundA);
     VARN3D_COUNT_STAGE(orientation, decision.stage);
-    return toOrientation(decision.sign);
+    return ORIENTATION_OF_SIGN[decision.sign + 1];
 }
 
 Orientation3 GeomTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pD) const {
     varnAssertAt(range03(ith), "range03(ith)", "dt3Library/GeomTest3.h", 88);
     if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
     const int* facet = FACET[ith];
-    return getOrientation3(pC->getCorner(facet[0]), pC->getCorner(facet[1]),
-                           pC->getCorner(facet[2]), pD);
+    return getOrientation3(MeshAccess::corner(pC, facet[0]), MeshAccess::corner(pC, facet[1]),
+                           MeshAccess::corner(pC, facet[2]), pD);
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
-    Points<Sphere> points;
-    for (int i = 0; i < 4; ++i) {
-        const Point3* corner = pTet->getCorner(i);
-        // A point with a corner's coordinates makes every term 0, which counts as inside.
-        if (*corner == *pE) return SIC_INSIDE;
-        points.p[i] = coordinates(corner);
-    }
-    points.p[4] = coordinates(pE);
+    const Points<Sphere> points{{MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
+                                 MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE}};
     const Decision decision = decide(points, constants.isperrboundA);
     VARN3D_COUNT_STAGE(sphere, decision.stage);
-    return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;
+    if (decision.sign != 0) return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;
+    for (int i = 0; i < 4; ++i)
+        if (*points.p[i] == *pE) return SIC_INSIDE;
+    return SIC_OUTSIDE;
 }
 
 bool GeomTest3::areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const {
-    Points<Orientation2D> points{{coordinates(pa), coordinates(pb), coordinates(pc)}};
-    for (int projection = 0; projection < 3; ++projection) {
-        for (Triple<double>& p : points.p) p = {p.y, p.z, p.x};
-        Points<Orientation2D> flat = points;
-        for (Triple<double>& p : flat.p) p.z = 0.0;
-        const Decision decision = decide(flat, constants.ccwerrboundA);
+    // On one line exactly if all projections along an axis are.
+    const auto sideInProjection = [&](auto project) {
+        const Point3 a = project(*pa);
+        const Point3 b = project(*pb);
+        const Point3 c = project(*pc);
+        const Decision decision = decide<Orientation2D>({{&a, &b, &c}}, constants.ccwerrboundA);
         VARN3D_COUNT_STAGE(collinear, decision.stage);
-        if (decision.sign != 0) return false;
-    }
-    return true;
+        return decision.sign;
+    };
+    return sideInProjection([](const Point3& p) { return Point3(p.x(), p.y(), 0.0); }) == 0 &&
+           sideInProjection([](const Point3& p) { return Point3(p.y(), p.z(), 0.0); }) == 0 &&
+           sideInProjection([](const Point3& p) { return Point3(p.z(), p.x(), 0.0); }) == 0;
 }
 
 }  // namespace VARN3D

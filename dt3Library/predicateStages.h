@@ -1,26 +1,34 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-#include "dt3Library/DoubleDouble.h"
 #include "dt3Library/FixedInteger.h"
+#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/Point3.h"
+#include "dt3Library/WideInteger.h"
+
+// The predicates are signs of determinants of coordinate differences. They are decided in stages,
+// from the cheapest on:
+//
+//   Filter         plain doubles against a bound of their error; right for whatever it decides
+//   Lattice        the same doubles, where it can be shown that nothing was rounded
+//   SmallInteger   exact integers of 64 bits a difference
+//   MediumInteger  exact integers of 128 bits a difference
+//   WideInteger    exact integers for all finite doubles
+//
+// General input stops at the filter, integer grids at the lattice; points that are nearly or
+// exactly cospherical or coplanar end in the small integers, since coordinates of similar size have
+// similar exponents. In 64-bit arithmetic these integers are several times as fast as the
+// floating-point expansions that usually follow the filter, and take no bounds to prove.
 
 namespace VARN3D {
 
-/// The stages of a predicate, from the cheapest on. Each either gives the certain sign or passes
-/// the call on; a later stage never contradicts an earlier one.
-enum class PredicateStage {
-    Filter,         ///< plain doubles against an error bound
-    Lattice,        ///< plain doubles, where nothing is rounded
-    DoubleDouble,   ///< twice the precision against an error bound
-    SmallInteger,   ///< exact integers, one limb a difference
-    MediumInteger,  ///< exact integers, three limbs
-    FullInteger,    ///< exact integers that hold every finite double
-};
-constexpr int NUM_PREDICATE_STAGES = 6;
+enum class PredicateStage { Filter, Lattice, SmallInteger, MediumInteger, WideInteger };
+constexpr int NUM_PREDICATE_STAGES = 5;
 
 #ifdef VARN3D_PROFILE
 /// How often each stage of a predicate had the last word, in this thread.
@@ -39,7 +47,6 @@ inline PredicateCounters& predicateCounters() {
 #define VARN3D_COUNT_STAGE(predicate, stage) static_cast<void>(0)
 #endif
 
-/// The predicates as determinants, stage by stage: what `GeomTest3` is made of.
 namespace predicateStages {
 
 template <class Number>
@@ -47,22 +54,50 @@ struct Triple {
     Number x, y, z;
 };
 
-/// Shewchuk's 3D orientation of a, b, c against the last point; differences to that point.
+/// A determinant in plain doubles, and what its error depends on.
+struct Estimate {
+    double determinant;
+    /// The determinant with all terms positive: a small multiple of 2^-53 of it bounds the
+    /// rounding.
+    double permanent;
+    /// Bounds what is lost by underflow.
+    double underflow;
+};
+
+// A product of doubles that underflows is off by at most 2^-1075, and that error is multiplied by
+// the factors still to come; sums of doubles don't underflow. The bounds below have room for
+// thousands of such errors. An overflow leaves an infinity or a NaN in the permanent, and then
+// nothing is greater than the bound.
+constexpr double UNDERFLOW = 0x1p-1000;
+
+/// Shewchuk's 3D orientation of a, b, c against the last point; rows are differences to that point.
 struct Orientation {
     static constexpr int NUM_ROWS = 3;
     static constexpr int DEGREE = 3;
+
+    static Estimate estimate(const Triple<double> (&row)[NUM_ROWS]) {
+        const auto& [a, b, c] = row;
+        const double bc = b.x * c.y;
+        const double cb = c.x * b.y;
+        const double ca = c.x * a.y;
+        const double ac = a.x * c.y;
+        const double ab = a.x * b.y;
+        const double ba = b.x * a.y;
+        const double sizeA = std::fabs(a.z);
+        const double sizeB = std::fabs(b.z);
+        const double sizeC = std::fabs(c.z);
+        // A product in x and y is still multiplied by one z.
+        return {a.z * (bc - cb) + b.z * (ca - ac) + c.z * (ab - ba),
+                (std::fabs(bc) + std::fabs(cb)) * sizeA + (std::fabs(ca) + std::fabs(ac)) * sizeB +
+                    (std::fabs(ab) + std::fabs(ba)) * sizeC,
+                UNDERFLOW * (1.0 + sizeA + sizeB + sizeC)};
+    }
 
     template <class Number>
     static auto determinant(const Triple<Number> (&row)[NUM_ROWS]) {
         const auto& [a, b, c] = row;
         return (a.z * (b.x * c.y - c.x * b.y) + b.z * (c.x * a.y - a.x * c.y)) +
                c.z * (a.x * b.y - b.x * a.y);
-    }
-    /// The determinant with all terms positive.
-    static double permanent(const Triple<double> (&size)[NUM_ROWS]) {
-        const auto& [a, b, c] = size;
-        return (b.x * c.y + c.x * b.y) * a.z + (c.x * a.y + a.x * c.y) * b.z +
-               (a.x * b.y + b.x * a.y) * c.z;
     }
 };
 
@@ -76,6 +111,31 @@ auto lift(const Triple<Number>& row) {
 struct Sphere {
     static constexpr int NUM_ROWS = 4;
     static constexpr int DEGREE = 5;
+
+    static Estimate estimate(const Triple<double> (&row)[NUM_ROWS]) {
+        const auto& [a, b, c, d] = row;
+        const Minor ab(a, b), bc(b, c), cd(c, d), da(d, a), ac(a, c), bd(b, d);
+        const double abc = a.z * bc.value - b.z * ac.value + c.z * ab.value;
+        const double bcd = b.z * cd.value - c.z * bd.value + d.z * bc.value;
+        const double cda = c.z * da.value + d.z * ac.value + a.z * cd.value;
+        const double dab = d.z * ab.value + a.z * bd.value + b.z * da.value;
+        const double liftA = lift(a);
+        const double liftB = lift(b);
+        const double liftC = lift(c);
+        const double liftD = lift(d);
+        const double sizeA = std::fabs(a.z);
+        const double sizeB = std::fabs(b.z);
+        const double sizeC = std::fabs(c.z);
+        const double sizeD = std::fabs(d.z);
+        // At most three more differences are multiplied to a product, each below the root of this.
+        const double size = 1.0 + liftA + liftB + liftC + liftD;
+        return {(liftD * abc - liftC * dab) + (liftB * cda - liftA * bcd),
+                (cd.size * sizeB + bd.size * sizeC + bc.size * sizeD) * liftA +
+                    (da.size * sizeC + ac.size * sizeD + cd.size * sizeA) * liftB +
+                    (ab.size * sizeD + bd.size * sizeA + da.size * sizeB) * liftC +
+                    (bc.size * sizeA + ac.size * sizeB + ab.size * sizeC) * liftD,
+                UNDERFLOW * (size * size)};
+    }
 
     template <class Number>
     static auto determinant(const Triple<Number> (&row)[NUM_ROWS]) {
@@ -92,33 +152,42 @@ struct Sphere {
         const auto dab = (d.z * ab + a.z * bd) + b.z * da;
         return (lift(d) * abc - lift(c) * dab) + (lift(b) * cda - lift(a) * bcd);
     }
-    static double permanent(const Triple<double> (&size)[NUM_ROWS]) {
-        const auto& [a, b, c, d] = size;
-        const double ab = a.x * b.y + b.x * a.y;
-        const double bc = b.x * c.y + c.x * b.y;
-        const double cd = c.x * d.y + d.x * c.y;
-        const double da = d.x * a.y + a.x * d.y;
-        const double ac = a.x * c.y + c.x * a.y;
-        const double bd = b.x * d.y + d.x * b.y;
-        return (cd * b.z + bd * c.z + bc * d.z) * lift(a) +
-               (da * c.z + ac * d.z + cd * a.z) * lift(b) +
-               (ab * d.z + bd * a.z + da * b.z) * lift(c) +
-               (bc * a.z + ac * b.z + ab * c.z) * lift(d);
-    }
+
+  private:
+    /// A minor in x and y, and the same with both terms positive.
+    struct Minor {
+        double value;
+        double size;
+        Minor(const Triple<double>& p, const Triple<double>& q) {
+            const double pq = p.x * q.y;
+            const double qp = q.x * p.y;
+            value = pq - qp;
+            size = std::fabs(pq) + std::fabs(qp);
+        }
+    };
 };
 
-/// The 2D orientation of a, b against the last point, in x and y.
+/// The 2D orientation of a, b against the last point, in x and y; z must be 0.
 struct Orientation2D {
     static constexpr int NUM_ROWS = 2;
     static constexpr int DEGREE = 2;
+
+    static Estimate estimate(const Triple<double> (&row)[NUM_ROWS]) {
+        const double left = row[0].x * row[1].y;
+        const double right = row[0].y * row[1].x;
+        return {left - right, std::fabs(left) + std::fabs(right), UNDERFLOW};
+    }
 
     template <class Number>
     static auto determinant(const Triple<Number> (&row)[NUM_ROWS]) {
         return row[0].x * row[1].y - row[0].y * row[1].x;
     }
-    static double permanent(const Triple<double> (&size)[NUM_ROWS]) {
-        return size[0].x * size[1].y + size[0].y * size[1].x;
-    }
+};
+
+/// The points of one call: the rows' points, then the one that all differences are taken to.
+template <class Predicate>
+struct Points {
+    const Point3* p[Predicate::NUM_ROWS + 1];
 };
 
 /// A certain sign, or none.
@@ -132,58 +201,42 @@ inline int signOf(double value) {
     return (value > 0.0 ? 1 : 0) - (value < 0.0 ? 1 : 0);
 }
 
-/// The binary places that the numbers of a call occupy.
-struct BitRange {
-    int lowest = 4096;
-    int highest = -4096;
+// ---- Plain doubles -----------------------------------------------------------------------------
 
-    void include(double value) {
-        if (value == 0.0) return;
-        const Parts parts(value);
-        const int top = parts.exponent + highestBit(parts.mantissa);
-        const int bottom = parts.exponent + lowestBit(parts.mantissa);
-        highest = top > highest ? top : highest;
-        lowest = bottom < lowest ? bottom : lowest;
+template <class Predicate>
+Estimate estimateOf(const Points<Predicate>& points) {
+    const Point3& origin = *points.p[Predicate::NUM_ROWS];
+    Triple<double> rows[Predicate::NUM_ROWS];
+    for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
+        const Point3& p = *points.p[i];
+        rows[i] = {p.x() - origin.x(), p.y() - origin.y(), p.z() - origin.z()};
     }
-    template <std::size_t N>
-    void include(const Triple<double> (&triples)[N]) {
-        for (const Triple<double>& t : triples) {
-            include(t.x);
-            include(t.y);
-            include(t.z);
-        }
-    }
-    /// How many bits the numbers need, counted in units of the lowest place.
-    int width() const { return highest < lowest ? 0 : highest - lowest + 1; }
+    return Predicate::estimate(rows);
+}
 
-    /// |value| = mantissa * 2^exponent.
-    struct Parts {
-        std::uint64_t mantissa;
-        int exponent;
-        explicit Parts(double value) {
-            std::uint64_t bits;
-            std::memcpy(&bits, &value, sizeof bits);
-            const int biased = static_cast<int>(bits >> 52 & 0x7FF);
-            mantissa = bits & 0xFFFFFFFFFFFFFU;
-            if (biased != 0) mantissa |= std::uint64_t{1} << 52;
-            exponent = (biased != 0 ? biased : 1) - 1075;
-        }
-    };
-    static int highestBit(std::uint64_t v) {
-#if defined(__GNUC__)
-        return 63 - __builtin_clzll(v);
-#else
-        int bit = 0;
-        for (int step = 32; step > 0; step /= 2)
-            if (v >> step) {
-                v >>= step;
-                bit += step;
-            }
-        return bit;
-#endif
-    }
-    static int lowestBit(std::uint64_t v) {
-        return highestBit(v & (~v + 1));
+/// Stage A of Shewchuk's predicates (Adaptive Precision Floating-Point Arithmetic and Fast Robust
+/// Geometric Predicates, 1997) with `errorBound` his constant, and a bound for underflow.
+inline Verdict decideByFilter(const Estimate& estimate, double errorBound) {
+    const double bound = errorBound * estimate.permanent + estimate.underflow;
+    if (std::fabs(estimate.determinant) > bound)
+        return {true, signOf(estimate.determinant)};
+    return UNCERTAIN;
+}
+
+/// The bits of a double: |value| = mantissa * 2^exponent, in units of the smallest double.
+struct BinaryParts {
+    std::uint64_t mantissa;
+    int exponent;
+    bool bNegative;
+
+    explicit BinaryParts(double value) {
+        std::uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        const int biased = static_cast<int>(bits >> 52 & 0x7FF);
+        const int normal = biased != 0 ? 1 : 0;
+        mantissa = (bits & 0xFFFFFFFFFFFFFU) | static_cast<std::uint64_t>(normal) << 52;
+        exponent = biased - normal;
+        bNegative = bits >> 63 != 0;
     }
 };
 
@@ -195,173 +248,92 @@ inline double powerOfTwo(int exponent) {
     return value;
 }
 
-/// Where the differences and all products of `degree` of them are safe from overflow and
-/// underflow: every coordinate is 0 or a multiple of 2^-200 below 2^199.
-constexpr int HIGHEST_SAFE_BIT = 198;
-constexpr int LOWEST_SAFE_BIT = -200;
-
-/// The points of one call: the rows' points, then the one that all differences are taken to.
+/// If all coordinates are multiples of a power of two u and the permanent is below 2^52 u^degree,
+/// the plain determinant is exact and a 0 certain: every value on the way to a term that is not 0
+/// is an integer below 2^53 in its power of u.
 template <class Predicate>
-struct Points {
-    Triple<double> p[Predicate::NUM_ROWS + 1];
-};
-
-/// Whether the coordinates are in that range, or so large or small that it takes a closer look.
-template <class Predicate>
-bool areSafeAtFirstSight(const Points<Predicate>& points) {
-    constexpr double TOO_LARGE = 0x1p199;
-    constexpr double LARGE_ENOUGH = 0x1p-148;  // its last bit is 2^-200
-    bool bSafe = true;
-    for (const Triple<double>& p : points.p) {
-        for (const double coordinate : {p.x, p.y, p.z}) {
-            const double size = std::fabs(coordinate);
-            bSafe &= (size < TOO_LARGE) & ((size >= LARGE_ENOUGH) | (size == 0.0));
-        }
-    }
-    return bSafe;
-}
-
-/// The rounded differences, and on demand what the rounding cut off.
-template <class Predicate>
-struct Differences {
-    Triple<double> head[Predicate::NUM_ROWS];
-    Triple<double> tail[Predicate::NUM_ROWS];
-    double permanent;
-    bool bExact = true;
-
-    explicit Differences(const Points<Predicate>& points) {
-        const Triple<double>& origin = points.p[Predicate::NUM_ROWS];
-        Triple<double> size[Predicate::NUM_ROWS];
-        for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-            const Triple<double>& p = points.p[i];
-            head[i] = {p.x - origin.x, p.y - origin.y, p.z - origin.z};
-            size[i] = {std::fabs(head[i].x), std::fabs(head[i].y), std::fabs(head[i].z)};
-        }
-        permanent = Predicate::permanent(size);
-    }
-
-    void computeTails(const Points<Predicate>& points) {
-        const Triple<double>& origin = points.p[Predicate::NUM_ROWS];
-        for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-            const Triple<double>& p = points.p[i];
-            twoDiff(p.x, origin.x, head[i].x, tail[i].x);
-            twoDiff(p.y, origin.y, head[i].y, tail[i].y);
-            twoDiff(p.z, origin.z, head[i].z, tail[i].z);
-            bExact = bExact & (tail[i].x == 0.0) & (tail[i].y == 0.0) & (tail[i].z == 0.0);
-        }
-    }
-};
-
-/// Plain doubles: `errorBound` times the permanent bounds the rounding. For safe points only.
-template <class Predicate>
-Verdict decideByFilter(const Differences<Predicate>& differences, double errorBound) {
-    const double determinant = Predicate::determinant(differences.head);
-    const double bound = errorBound * differences.permanent;
-    if (determinant > bound || -determinant > bound) return {true, signOf(determinant)};
-    return UNCERTAIN;
-}
-
-/// Plain doubles where all differences are exact multiples of one power of two u and the permanent
-/// is below 2^52 u^degree: then no operation rounds, and a determinant of 0 is one.
-template <class Predicate>
-Verdict decideOnLattice(const Differences<Predicate>& differences) {
-    if (!differences.bExact) return UNCERTAIN;
-    const double permanent = differences.permanent;
-    if (permanent == 0.0) return {true, 0};
-    const int excess = BitRange::Parts(permanent).exponent + 52 + 1 - 52;
-    const int unitExponent = excess > 0 ? (excess + Predicate::DEGREE - 1) / Predicate::DEGREE
-                                        : excess / Predicate::DEGREE;
-    // Adding and subtracting this number rounds to multiples of the unit.
-    const double rounder = 1.5 * powerOfTwo(52 + unitExponent);
-    bool bMultiples = true;
-    for (const Triple<double>& d : differences.head) {
-        bMultiples &= ((d.x + rounder) - rounder == d.x) & ((d.y + rounder) - rounder == d.y) &
-                      ((d.z + rounder) - rounder == d.z);
-    }
-    if (!bMultiples) return UNCERTAIN;
-    return {true, signOf(Predicate::determinant(differences.head))};
-}
-
-/// A product of up to five differences passes at most 11 roundings of 2^-103 each on its way into
-/// the determinant (8u^2 for a sum, 7u^2 for a product, see DoubleDouble), so 2^-99 times the
-/// permanent bounds the error; the permanent itself is off by a few units of 2^-53.
-template <class Predicate>
-Verdict decideByDoubleDouble(const Differences<Predicate>& differences) {
-    Triple<DoubleDouble> rows[Predicate::NUM_ROWS];
-    for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-        const Triple<double>& head = differences.head[i];
-        const Triple<double>& tail = differences.tail[i];
-        rows[i] = {{head.x, tail.x}, {head.y, tail.y}, {head.z, tail.z}};
-    }
-    const double determinant = Predicate::determinant(rows).high;
-    const double bound = 0x1p-98 * differences.permanent;
-    if (determinant > bound || -determinant > bound) return {true, signOf(determinant)};
-    return UNCERTAIN;
+Verdict decideOnLattice(const Points<Predicate>& points, const Estimate& estimate) {
+    // Above, and below in powers of u, lie overflow and underflow.
+    constexpr double MAX_PERMANENT = 0x1p900;
+    constexpr int MIN_UNIT = -200;
+    if (!(estimate.permanent < MAX_PERMANENT)) return UNCERTAIN;
+    constexpr int DEGREE = Predicate::DEGREE;
+    // permanent < 2^(excess + 52)
+    const int excess = BinaryParts(estimate.permanent).exponent - 1074 + 1;
+    const int unit =
+        std::max(MIN_UNIT, excess > 0 ? (excess + DEGREE - 1) / DEGREE : excess / DEGREE);
+    // Adding and subtracting this number rounds to a multiple of u, if that changes anything.
+    const double rounder = 1.5 * powerOfTwo(52 + unit);
+    const auto isOff = [rounder](double value) {
+        return (value + rounder) - rounder != value ? 1U : 0U;
+    };
+    unsigned anyOff = 0;
+    for (const Point3* p : points.p) anyOff |= isOff(p->x()) | isOff(p->y()) | isOff(p->z());
+    if (anyOff != 0) return UNCERTAIN;
+    return {true, signOf(estimate.determinant)};
 }
 
 // ---- Exact integers ----------------------------------------------------------------------------
 
-/// value / 2^unitExponent, an integer that fits.
-template <std::size_t N>
-FixedInteger<N> toInteger(double value, int unitExponent) {
-    FixedInteger<N> result;
-    if (value == 0.0) return result;
-    const BitRange::Parts parts(value);
-    const int shift = parts.exponent - unitExponent;
-    if (shift < 0) {
-        result.limbs[0] = parts.mantissa >> -shift;
-    } else {
-        const auto limb = static_cast<std::size_t>(shift) / 64;
-        const int bits = shift % 64;
-        result.limbs[limb] = parts.mantissa << bits;
-        if (bits > 11 && limb + 1 < N) result.limbs[limb + 1] = parts.mantissa >> (64 - bits);
-    }
-    return value < 0.0 ? FixedInteger<N>() - result : result;
-}
-
-/// How many bits a difference may have in integers of N limbs: with two bits free, the sums of the
-/// determinants stay below their types' limits (a sphere test's is less than 24 products).
-template <std::size_t N>
-constexpr int MAX_DIFFERENCE_BITS = 64 * static_cast<int>(N) - 2;
-
-/// From the points themselves: right for all finite doubles if N is large enough.
-template <class Predicate, std::size_t N>
-Verdict decideByIntegers(const Points<Predicate>& points) {
-    BitRange range;
-    range.include(points.p);
-    if (range.width() + 1 > MAX_DIFFERENCE_BITS<N>) return UNCERTAIN;
-    const auto convert = [&range](const Triple<double>& p) {
-        return Triple<FixedInteger<N>>{toInteger<N>(p.x, range.lowest),
-                                       toInteger<N>(p.y, range.lowest),
-                                       toInteger<N>(p.z, range.lowest)};
+/// Points as integers in units of 2^lowest, differences and determinant.
+template <class Predicate, class Integer, class Convert>
+int signByIntegers(const Points<Predicate>& points, Convert convert) {
+    const auto convertAll = [&convert](const Point3& p) {
+        return Triple<Integer>{convert(p.x()), convert(p.y()), convert(p.z())};
     };
-    const auto origin = convert(points.p[Predicate::NUM_ROWS]);
-    Triple<FixedInteger<N>> rows[Predicate::NUM_ROWS];
+    const auto origin = convertAll(*points.p[Predicate::NUM_ROWS]);
+    Triple<Integer> rows[Predicate::NUM_ROWS];
     for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-        const auto p = convert(points.p[i]);
+        const auto p = convertAll(*points.p[i]);
         rows[i] = {p.x - origin.x, p.y - origin.y, p.z - origin.z};
     }
-    return {true, Predicate::determinant(rows).sign()};
+    return Predicate::determinant(rows).sign();
 }
 
-/// From exact differences, which often need fewer bits than the points.
+/// Integers of N limbs, in units that take the largest coordinate to 64N - 3 bits; uncertain if a
+/// coordinate is no multiple of the unit. Differences are then below 2^(64N - 2), a determinant of
+/// degree d has at most 72 terms, and 72 * 2^(64N - 2)d < 2^(64Nd - 1) for the sphere test; for the
+/// others and for all the minors it is the same.
+template <class Predicate, std::size_t N>
+Verdict decideByIntegers(const Points<Predicate>& points) {
+    int highest = 0;
+    for (const Point3* p : points.p)
+        for (const double c : {p->x(), p->y(), p->z()})
+            highest = std::max(highest, BinaryParts(c).exponent);
+    std::uint64_t lost = 0;
+    const auto convert = [highest, &lost](double coordinate) {
+        const BinaryParts parts(coordinate);
+        // From bit 63 of the topmost limb down to where it belongs, 3 bits or more.
+        const std::uint64_t aligned = parts.mantissa << 11;
+        const int shift = 3 + highest - parts.exponent;
+        FixedInteger<N> result;
+        std::uint64_t rest = aligned;
+        for (std::size_t i = N; i-- > 0;) {
+            const int here = shift - 64 * static_cast<int>(N - 1 - i);
+            if (here >= 0 && here < 64) {
+                result.limbs[i] = aligned >> here;
+                rest = here == 0 ? 0 : aligned << (64 - here);
+            } else if (here < 0 && here > -64) {
+                result.limbs[i] = aligned << -here;
+                rest = 0;
+            }
+        }
+        lost |= rest;
+        return parts.bNegative ? FixedInteger<N>() - result : result;
+    };
+    const int sign = signByIntegers<Predicate, FixedInteger<N>>(points, convert);
+    return lost == 0 ? Verdict{true, sign} : UNCERTAIN;
+}
+
+/// Any finite doubles: in units of the smallest of them a difference has 2099 bits.
 template <class Predicate>
-Verdict decideBySmallIntegers(const Differences<Predicate>& differences) {
-    if (!differences.bExact) return UNCERTAIN;
-    BitRange range;
-    range.include(differences.head);
-    if (range.width() > MAX_DIFFERENCE_BITS<1>) return UNCERTAIN;
-    Triple<FixedInteger<1>> rows[Predicate::NUM_ROWS];
-    for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-        const Triple<double>& head = differences.head[i];
-        rows[i] = {toInteger<1>(head.x, range.lowest), toInteger<1>(head.y, range.lowest),
-                   toInteger<1>(head.z, range.lowest)};
-    }
-    return {true, Predicate::determinant(rows).sign()};
+int signByWideIntegers(const Points<Predicate>& points) {
+    using Integer = WideInteger<33>;
+    return signByIntegers<Predicate, Integer>(points, [](double coordinate) {
+        const BinaryParts parts(coordinate);
+        return Integer(parts.mantissa, parts.exponent, parts.bNegative);
+    });
 }
-
-/// Limbs for the differences of any two finite doubles: 2099 bits.
-constexpr std::size_t FULL_LIMBS = 33;
 
 }  // namespace predicateStages
 

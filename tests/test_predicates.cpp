@@ -1,0 +1,270 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "dt3Library/GeomTest3.h"
+#include "dt3Library/VarnException.h"
+#include "dt3Library/predicateStages.h"
+#include "support/CaptureOutput.h"
+#include "support/Exact.h"
+#include "support/PredicateInput.h"
+
+using namespace VARN3D;
+using namespace support;
+
+namespace {
+
+/// A tetrahedron without the line that its constructor prints.
+Tet3& scratchTet() {
+    static std::unique_ptr<Tet3> tet;
+    if (tet == nullptr) outputOf([] { tet = std::make_unique<Tet3>(); });
+    return *tet;
+}
+
+int signOfOrientation(Orientation3 orientation) {
+    if (orientation == ORIENTATION3_POSITIVE) return 1;
+    return orientation == ORIENTATION3_NEGATIVE ? -1 : 0;
+}
+
+std::string describe(const FivePoints& points) {
+    std::string text;
+    for (const Point3& p : points) {
+        char line[128];
+        std::snprintf(line, sizeof line, "{%a, %a, %a}\n", p.x(), p.y(), p.z());
+        text += line;
+    }
+    return text;
+}
+
+/// Each stage alone, in Shewchuk's signs: undecided or right.
+template <class Predicate>
+void expectNoStageErrs(const predicateStages::Points<Predicate>& points, double errorBound,
+                       int expected) {
+    using namespace predicateStages;
+    const Estimate estimate = estimateOf(points);
+    const Verdict verdicts[] = {
+        decideByFilter(estimate, errorBound), decideOnLattice(points, estimate),
+        decideByIntegers<Predicate, 1>(points), decideByIntegers<Predicate, 2>(points),
+        Verdict{true, signByWideIntegers(points)}};
+    for (int stage = 0; stage < NUM_PREDICATE_STAGES; ++stage)
+        if (verdicts[stage].bCertain) {
+            EXPECT_EQ(verdicts[stage].sign, expected) << "stage " << stage;
+        }
+}
+
+/// Everything about five points against exact arithmetic.
+void expectExact(FivePoints points) {
+    const GeomTest3 predicates;
+    auto& [a, b, c, d, e] = points;
+    const int orientation = exactOrientation(a, b, c, d);
+    ASSERT_EQ(signOfOrientation(predicates.getOrientation3(&a, &b, &c, &d)), orientation)
+        << describe(points);
+    ASSERT_EQ(predicates.areCollinear(&a, &b, &c), exactlyCollinear(a, b, c)) << describe(points);
+    expectNoStageErrs<predicateStages::Orientation>(
+        {{&a, &b, &c, &d}}, predicates.getConstants().o3derrboundA, -orientation);
+    if (orientation == 0) return;
+
+    if (orientation < 0) std::swap(a, b);
+    scratchTet().setProperties(&a, &b, &c, &d);
+    const int inside = exactInSphere(a, b, c, d, e);
+    const bool bCorner = scratchTet().hasVertex(e);
+    ASSERT_EQ(predicates.sphereInclusionTest(&scratchTet(), &e),
+              inside > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE)
+        << describe(points);
+    expectNoStageErrs<predicateStages::Sphere>({{&a, &b, &c, &d, &e}},
+                                               predicates.getConstants().isperrboundA, -inside);
+    if (testing::Test::HasFailure()) FAIL() << describe(points);
+}
+
+double movedByUlps(double value, int ulps) {
+    const double towards = ulps < 0 ? -HUGE_VAL : HUGE_VAL;
+    for (int i = std::abs(ulps); i > 0; --i) value = std::nextafter(value, towards);
+    return value;
+}
+
+/// Moves the last point to all neighbours within so many units in the last place.
+template <class Check>
+void forNeighbours(FivePoints points, std::size_t moving, int radius, Check check) {
+    const Point3 centre = points[moving];
+    for (int i = -radius; i <= radius; ++i)
+        for (int j = -radius; j <= radius; ++j)
+            for (int k = -radius; k <= radius && !testing::Test::HasFatalFailure(); ++k) {
+                points[moving].exchange(movedByUlps(centre.x(), i), movedByUlps(centre.y(), j),
+                                        movedByUlps(centre.z(), k));
+                check(points);
+            }
+}
+
+}  // namespace
+
+class Predicates : public testing::TestWithParam<PredicateInput> {};
+
+TEST_P(Predicates, AgreeWithExactArithmetic) {
+    Random r(7);
+    for (int i = 0; i < 3000 && !HasFatalFailure(); ++i) expectExact(GetParam().make(r));
+}
+
+TEST_P(Predicates, ObeyThePermutationLaws) {
+    const GeomTest3 predicates;
+    Random r(8);
+    for (int i = 0; i < 20; ++i) {
+        FivePoints points = GetParam().make(r);
+        const int orientation = exactOrientation(points[0], points[1], points[2], points[3]);
+        const int inside = exactInSphere(points[0], points[1], points[2], points[3], points[4]);
+        std::array<std::size_t, 5> order{0, 1, 2, 3, 4};
+        do {
+            int parity = 1;
+            for (std::size_t u = 0; u < 5; ++u)
+                for (std::size_t v = u + 1; v < 5; ++v)
+                    if (order[u] > order[v]) parity = -parity;
+            Point3* p[5];
+            for (std::size_t u = 0; u < 5; ++u) p[u] = &points[order[u]];
+            if (order[4] == 4) {
+                EXPECT_EQ(signOfOrientation(predicates.getOrientation3(p[0], p[1], p[2], p[3])),
+                          parity * orientation);
+            }
+            scratchTet().setProperties(p[0], p[1], p[2], p[3]);
+            if (scratchTet().hasVertex(*p[4])) continue;
+            EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), p[4]),
+                      parity * inside > 0 ? SIC_INSIDE : SIC_OUTSIDE);
+        } while (std::next_permutation(order.begin(), order.end()));
+        ASSERT_FALSE(HasFailure()) << describe(points);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Predicates, testing::ValuesIn(predicateInputs()),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(PredicateNeighbourhoods, OfCoplanarPoints) {
+    const FivePoints planes[] = {
+        {Point3(0.5, 0.5, 0.5), {12, 12, 12}, {24, 24, 24}, {12, 13, 12}, {1, 2, 3}},
+        {Point3(0.3, 0.3, 0.3), {0.1, 0.7, 0.1}, {0.9, 0.2, 0.9}, {-5, 3, -5}, {1, 2, 3}},
+        {Point3(1e6, 1, 1), {1e6 + 1, 0, 1}, {1e6 + 2, 3, -4}, {1e6 + 3, -1, 0}, {1, 2, 3}},
+        {Point3(1e-200, 1e-200, 0), {3, 3, 1}, {7, 7, -1e-200}, {-1e200, -1e200, 4}, {1, 2, 3}}};
+    for (const FivePoints& points : planes)
+        for (std::size_t moving = 0; moving < 4; ++moving)
+            forNeighbours(points, moving, 4, [](const FivePoints& p) { expectExact(p); });
+}
+
+TEST(PredicateNeighbourhoods, OfCosphericalPoints) {
+    Random r(9);
+    for (const double step : {1.0, 0.1, 1e-3, 1e-120, 1e120})
+        for (const double offset : {0.0, 16.0, -1e4})
+            forNeighbours(gridBox(r, step, 9, offset * step), 4, 2,
+                          [](const FivePoints& p) { expectExact(p); });
+}
+
+TEST(PredicateNeighbourhoods, OfCollinearPoints) {
+    const FivePoints lines[] = {{Point3(0.5, 0.5, 0.5), {12, 12, 12}, {24, 24, 24}},
+                                {Point3(0.1, 0.2, 0.3), {0.2, 0.4, 0.6}, {0.4, 0.8, 1.2}},
+                                {Point3(1e-300, 0, 1), {2e-300, 0, 2}, {-7e-300, 0, -7}},
+                                {Point3(-1e308, 1, 5e-324), {0, 1, 0}, {1e308, 1, -5e-324}}};
+    for (const FivePoints& points : lines)
+        for (std::size_t moving = 0; moving < 3; ++moving)
+            forNeighbours(points, moving, 3, [](const FivePoints& p) {
+                EXPECT_EQ(GeomTest3().areCollinear(&p[0], &p[1], &p[2]),
+                          exactlyCollinear(p[0], p[1], p[2]))
+                    << describe(p);
+            });
+}
+
+TEST(GeomTest3, ConstantsAreThoseOfIeeeDoubles) {
+    const PredicateConstants constants = GeomTest3().getConstants();
+    EXPECT_EQ(constants.splitter, 134217729.0);
+    EXPECT_EQ(constants.epsilon, 1.1102230246251565e-16);
+    EXPECT_EQ(constants.resulterrbound, 3.3306690738754706e-16);
+    EXPECT_EQ(constants.ccwerrboundA, 3.3306690738754716e-16);
+    EXPECT_EQ(constants.ccwerrboundB, 2.2204460492503146e-16);
+    EXPECT_EQ(constants.ccwerrboundC, 1.1093356479670487e-31);
+    EXPECT_EQ(constants.o3derrboundA, 7.771561172376103e-16);
+    EXPECT_EQ(constants.o3derrboundB, 3.330669073875473e-16);
+    EXPECT_EQ(constants.o3derrboundC, 3.2047474274603644e-31);
+    EXPECT_EQ(constants.iccerrboundA, 1.1102230246251577e-15);
+    EXPECT_EQ(constants.iccerrboundB, 4.440892098500632e-16);
+    EXPECT_EQ(constants.iccerrboundC, 5.423418723394464e-31);
+    EXPECT_EQ(constants.isperrboundA, 1.7763568394002532e-15);
+    EXPECT_EQ(constants.isperrboundB, 5.551115123125792e-16);
+    EXPECT_EQ(constants.isperrboundC, 8.751425667295619e-31);
+}
+
+TEST(GeomTest3, OrientationOfAFacetAgainstAPoint) {
+    const GeomTest3 predicates;
+    Point3 corners[4] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    EXPECT_EQ(predicates.getOrientation3(&corners[0], &corners[1], &corners[2], &corners[3]),
+              ORIENTATION3_POSITIVE);
+    scratchTet().setProperties(&corners[0], &corners[1], &corners[2], &corners[3]);
+    for (int i = 0; i < 4; ++i) {
+        const Point3& own = corners[i];
+        // The facet's centre, times three, and the corner mirrored there.
+        double x = -own.x(), y = -own.y(), z = -own.z();
+        for (const Point3& p : corners) {
+            x += p.x();
+            y += p.y();
+            z += p.z();
+        }
+        const Point3 beyond(x - own.x(), y - own.y(), z - own.z());
+        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &own), ORIENTATION3_POSITIVE);
+        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &beyond), ORIENTATION3_NEGATIVE);
+        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &corners[(i + 1) % 4]),
+                  ORIENTATION3_COPLANAR);
+    }
+}
+
+TEST(GeomTest3, CornersAreInsideAtEverySize) {
+    const GeomTest3 predicates;
+    for (const double size : {1.0, 0.1, 1e-70, 1e-200, 5e-324, 1e100, 1.7e308}) {
+        Point3 corners[4] = {{0, 0, 0}, {size, 0, 0}, {0, size, 0}, {0, 0, size}};
+        scratchTet().setProperties(&corners[0], &corners[1], &corners[2], &corners[3]);
+        for (const Point3& corner : corners) {
+            const Point3 same(corner.x(), corner.y() + 0.0, corner.z());
+            const Point3 negativeZeros(corner.x() == 0.0 ? -0.0 : corner.x(), same.y(), same.z());
+            for (const Point3* p : {&corner, &same, &negativeZeros})
+                EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), p), SIC_INSIDE) << size;
+        }
+        // Not a corner, though every product underflows at the small sizes.
+        const Point3 onSphere(size, size, size);
+        const Point3 outside(-size, -size, -size);
+        EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), &onSphere), SIC_OUTSIDE) << size;
+        EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), &outside), SIC_OUTSIDE) << size;
+    }
+}
+
+TEST(GeomTest3, OrientationsHaveNames) {
+    EXPECT_STREQ(getOrientationName(ORIENTATION3_POSITIVE), "ORI3_ORIENTATION3_POSITIVE");
+    EXPECT_STREQ(getOrientationName(ORIENTATION3_NEGATIVE), "ORI3_ORIENTATION3_NEGATIVE");
+    EXPECT_STREQ(getOrientationName(ORIENTATION3_COPLANAR), "ORI3_ZERO");
+    EXPECT_EQ(outputOf([] {
+                  EXPECT_THROW(getOrientationName(static_cast<Orientation3>(3)), VarnException);
+              }),
+              "\n      Varn, , ERROR: Condition [ false failed ]\n\n"
+              "      dt3Library/GeomTest3.cpp:34\n");
+}
+
+TEST(GeomTest3, FacetIndexIsCheckedFirst) {
+    const GeomTest3 predicates;
+    const Point3 p(0, 0, 0);
+    for (const int ith : {-1, 4})
+        EXPECT_EQ(outputOf([&] {
+                      EXPECT_THROW(
+                          predicates.getOrientation3(static_cast<const Tet3*>(nullptr), ith, &p),
+                          VarnException);
+                  }),
+                  "\n      Varn, , ERROR: Condition [ range03(ith) failed ]\n\n"
+                  "      dt3Library/GeomTest3.h:88\n");
+}
+
+TEST(GeomTest3DeathTest, ANullTetrahedronStopsTheProcess) {
+    const Point3 p(0, 0, 0);
+    EXPECT_DEATH(
+        {
+            std::cout.rdbuf(std::cerr.rdbuf());
+            GeomTest3().getOrientation3(static_cast<const Tet3*>(nullptr), 2, &p);
+        },
+        "      goToHell, ERROR:  reason: getOrientation3, pC==NULL");
+}
