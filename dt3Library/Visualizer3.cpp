@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <locale>
 
 #include "dt3Library/tools.h"
 
@@ -15,13 +16,6 @@ namespace {
 constexpr int NUM_CYCLED_COLORS = 14;
 
 std::atomic<int> colorCursor{0};
-
-std::string colorAt(int cursor) {
-    if (cursor < NUM_CYCLED_COLORS) return Visualizer3::colorArray[cursor];
-    std::cout << "Attention, returning colorArray[13] which is the last available color"
-              << std::endl;
-    return Visualizer3::colorArray[NUM_CYCLED_COLORS - 1];
-}
 
 }  // namespace
 
@@ -64,6 +58,7 @@ Visualizer3::Visualizer3(const std::string& fileName) {
     }
     std::cout << "  Writing " << fileName << std::endl;
     bOpen = true;
+    out.imbue(std::locale::classic());  // OOGL knows no decimal comma, whatever the host's locale
     out << "LIST" << std::endl << "{" << std::endl;
 }
 
@@ -142,15 +137,22 @@ void Visualizer3::writeBall(const Point3& centre, double squaredRadius) {
     out << "\n}" << std::endl;
 }
 
+std::string Visualizer3::getColorAt(int cursor) {
+    if (cursor < NUM_CYCLED_COLORS) return colorArray[cursor];
+    std::cout << "Attention, returning colorArray[13] which is the last available color"
+              << std::endl;
+    return colorArray[NUM_CYCLED_COLORS - 1];
+}
+
 std::string Visualizer3::getColor() {
-    return colorAt(colorCursor.load());
+    return getColorAt(colorCursor.load());
 }
 
 std::string Visualizer3::getNextColor() {
     int cursor = colorCursor.load();
     while (!colorCursor.compare_exchange_weak(cursor, (cursor + 1) % NUM_CYCLED_COLORS)) {
     }
-    return colorAt(cursor);
+    return getColorAt(cursor);
 }
 
 }  // namespace VARN3D

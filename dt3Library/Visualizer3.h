@@ -51,6 +51,7 @@ class Visualizer3 {
     /// The palette as colour texts.
     static const char* const colorArray[NUM_COLORS];
 
+    /// Opens the file, or overwrites it, and starts the list. Prints two lines.
     explicit Visualizer3(const std::string& fileName);
     ~Visualizer3();
     Visualizer3(const Visualizer3&) = delete;
@@ -61,12 +62,16 @@ class Visualizer3 {
 
     /// Points of a size in pixels; an empty list is only warned of.
     void writePoints(const std::vector<Point3>& vPoints, int lineWidth, const std::string& color);
+    /// An object of its own for each shape.
     void writeSegment(const Point3& p, const Point3& q, const std::string& color);
     void writeTriangle(const Point3& a, const Point3& b, const Point3& c, const std::string& color);
     /// The four facets; null is only reported.
     void writeTet(const Tet3* c, const std::string& color);
     void writeBall(const Point3& centre, double squaredRadius);
 
+    /// The colour at a position of the cursor, 0 to 13. Past the end it prints a line and stays
+    /// with the last of these colours.
+    static std::string getColorAt(int cursor);
     /// The colour at the cursor.
     static std::string getColor();
     /// The same, and moves the cursor on.

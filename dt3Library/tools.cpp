@@ -1,11 +1,10 @@
 #include "dt3Library/tools.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
-#include <iomanip>
 #include <iostream>
-#include <sstream>
 
 namespace VARN3D {
 
@@ -48,9 +47,8 @@ void goToHell(const std::string& reason) {
 
 std::string getNextDumpPrefix() {
     static std::atomic<std::int32_t> dumpNumber{0};
-    std::ostringstream prefix;
-    prefix << std::setw(5) << std::setfill('0') << dumpNumber.fetch_add(1) + 1 << "_";
-    return prefix.str();
+    const std::string number = std::to_string(dumpNumber.fetch_add(1) + 1);
+    return std::string(5 - std::min<std::size_t>(number.length(), 5), '0') + number + "_";
 }
 
 void printBanner(const std::string& text) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <locale>
 
 #include "dt3Library/Visualizer3.h"
 #include "tests/support/Failures.h"
@@ -88,10 +89,35 @@ TEST(Visualizer3, FirstFourteenColoursTakeTurns) {
             EXPECT_EQ(Visualizer3::getColor(), Visualizer3::colorArray[i]);
             EXPECT_EQ(Visualizer3::getNextColor(), Visualizer3::colorArray[i]);
         }
-    EXPECT_STREQ(Visualizer3::colorArray[LIGHTBLUE], "0 0.749 1 0.5");
-    EXPECT_STREQ(Visualizer3::colorArray[LIGHTGRAY], ".445 .445 .445 0.5");
-    EXPECT_STREQ(Visualizer3::colorArray[RED], "1 0 0 0.5");
-    EXPECT_STREQ(Visualizer3::colorArray[CWHEAT], "0.96 0.87 0.7 0.5");
+    EXPECT_EQ(Visualizer3::getColorAt(13), "1 1 1 0.5");
+    EXPECT_EQ(outputOf([] { EXPECT_EQ(Visualizer3::getColorAt(14), "1 1 1 0.5"); }),
+              "Attention, returning colorArray[13] which is the last available color\n");
+}
+
+TEST(Visualizer3, Palette) {
+    std::string palette;
+    for (const char* color : Visualizer3::colorArray) palette += std::string(color) + '|';
+    EXPECT_EQ(palette,
+              "0 0.749 1 0.5|0 0.1 .803 0.5|1 1 0 0.5|1 0.411 0.705 0.5|0.1 0.1 0.1 0.5|"
+              "0.823 0.705 0.549 0.5|0.545 0.271 0.074 0.5|1 0.627 0 0.5|0.627 0.125 0.941 0.5|"
+              ".745 .745 .745 0.5|.445 .445 .445 0.5|1 0 0 0.5|0 1 0 0.5|1 1 1 0.5|"
+              ".86 .08 .24 0.5|1 .55 0 0.5|.85 .65 .13 0.5|.5 .5 .0 0.5|0.49\t0.99 0.00 0.5|"
+              "0.68 1.00 0.18 0.5|0.60\t0.98 0.60 0.5|0.00 0.98 0.60 0.5|0.13 0.70 0.67 0.5|"
+              "0.00 1.00 1.00 0.5|0.27 0.51 0.71 0.5|0.10 0.10 0.44 0.5|0.96 0.87 0.7 0.5|");
+    EXPECT_EQ(MIDNIGHTBLUE, 25);
+}
+
+TEST(Visualizer3, NumbersHaveAPointInEveryLocale) {
+    struct Comma : std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\3"; }
+    };
+    const std::locale previous = std::locale::global(std::locale(std::locale(), new Comma));
+    const std::string file =
+        written([](Visualizer3& v) { v.writeBall(Point3(0.5, 1e4, 0), 1); }).file;
+    std::locale::global(previous);
+    EXPECT_THAT(file, ::testing::HasSubstr("SPHERE 1 0.5 10000 0\n"));
 }
 
 TEST(Visualizer3DeathTest, UnopenedFileEndsTheProcess) {
