@@ -123,10 +123,15 @@ TEST_F(MeshHandles, FacetsEqualTheirOtherSideOnly) {
 
 TEST_F(MeshHandles, IndicesAreChecked) {
     Tet3* tet = tets.front();
+    const int corners[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
+    for (int opp3 = 0; opp3 < 4; ++opp3)
+        for (int ith = 0; ith < 3; ++ith) {
+            EXPECT_EQ(Facet3(tet, opp3).getIntraTetIndex(ith), corners[opp3][ith]);
+            const Edge3 edge = Facet3(tet, opp3).getEdge(ith);
+            EXPECT_EQ(edge.getOpp3Index(), opp3);
+            EXPECT_EQ(edge.getOpp2Index(), corners[opp3][ith]);
+        }
     const Facet3 facet(tet, 2);
-    const int opposite[3] = {0, 3, 1};
-    for (int ith = 0; ith < 3; ++ith)
-        EXPECT_TRUE(facet.getEdge(ith) == Edge3(tet, 2, opposite[ith]));
     const auto report = support::endsInCheck("", "range02(ith)", "dt3Library/Facet3.cpp");
     for (const int ith : {-1, 3}) {
         EXPECT_THAT(failureOf([&] { facet.getIntraTetIndex(ith); }), report);

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -51,6 +52,7 @@ TEST(MessagesDeathTest, HellIsAnAccessFault) {
     EXPECT_EXIT(
         {
             support::printOnStandardError();
+            std::atexit([] { std::_Exit(0); });  // an orderly exit is no crash
             goToHell("no way");
         },
         crashed, ::testing::HasSubstr("\n      goToHell, ERROR:  reason: no way\n\n"));
@@ -86,6 +88,7 @@ TEST(Counters, ArePrintedByName) {
 }
 
 TEST(Counters, TakeCallsFromManyThreads) {
+    const int firstDump = std::stoi(getNextDumpPrefix());
     outputOf([] {
         std::vector<std::thread> threads;
         for (int t = 0; t < 4; ++t)
@@ -98,6 +101,6 @@ TEST(Counters, TakeCallsFromManyThreads) {
             });
         for (std::thread& thread : threads) thread.join();
     });
-    EXPECT_EQ(outputOf([] { count("GETCOUNTERS"); }), "\nCounters: \nshared\t2000\n");
-    EXPECT_EQ(getNextDumpPrefix(), "02001_");
+    EXPECT_THAT(outputOf([] { count("GETCOUNTERS"); }), ::testing::HasSubstr("shared\t2000\n"));
+    EXPECT_EQ(std::stoi(getNextDumpPrefix()), firstDump + 2001);
 }

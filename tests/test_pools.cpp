@@ -34,11 +34,6 @@ struct Large {
     char bytes[1000000];
 };
 
-/// Further blocks all have the same size.
-struct Steady {
-    char bytes[32];
-};
-
 /// One fits into memory, a further block doesn't.
 struct Hungry {
     char bytes[1 << 20];
@@ -49,16 +44,24 @@ struct Starving {
     char bytes[1 << 20];
 };
 
+/// The sizes of a pool's first blocks.
+template <class T>
+Sizes sizesOf(std::size_t numBlocks) {
+    SimplePool<T> pool;
+    pool.init();
+    while (pool.getBlockSizes().size() < numBlocks) pool.alloc();
+    return pool.getBlockSizes();
+}
+
 std::string lackOfMemory(const std::string& message) {
     return message + support::checkReport("false", "dt3Library/geom_tools/SimplePool.h");
 }
 
 }  // namespace
 
-template <>
-struct VARN3D::SimplePoolTraits<Steady> {
-    static constexpr std::int32_t initialSize = 1024;
-    static constexpr std::int32_t increase = 512;
+/// The library's own constants for this type: further blocks all have the same size.
+struct VARN3D::TwoTetStruct {
+    char bytes[32];
 };
 
 template <>
@@ -101,21 +104,19 @@ TEST(SimplePool, BlocksGrowByTheRule) {
 }
 
 TEST(SimplePool, LibraryRecordsHaveTheirBlockSizes) {
-    SimplePool<Tet3> tets;
-    tets.init();
-    for (int i = 0; i < 28 + 14 + 28 + 1; ++i) tets.alloc();
-    EXPECT_EQ(tets.getBlockSizes(), (Sizes{28, 14, 28, 56}));
-    SimplePool<Steady> halves;
-    halves.init();
-    for (int i = 0; i < 1024 + 512 + 1; ++i) halves.alloc();
-    EXPECT_EQ(halves.getBlockSizes(), (Sizes{1024, 512, 512}));
+    EXPECT_EQ(sizesOf<TwoTetStruct>(5), (Sizes{1024, 512, 512, 512, 512}));
+    Sizes tets{28};
+    for (std::int32_t size = 14; size <= 917504; size *= 2) tets.push_back(size);
+    tets.insert(tets.end(), {1250000, 1250000});
+    EXPECT_EQ(sizesOf<Tet3>(tets.size()), tets);
+    Sizes points{4};
+    for (std::int32_t size = 2; size <= 2097152; size *= 2) points.push_back(size);
+    points.insert(points.end(), {2500000, 2500000});
+    EXPECT_EQ(sizesOf<Point3>(points.size()), points);
 }
 
 TEST(SimplePool, BlocksStopGrowingAtTheirLargestSize) {
-    SimplePool<Large> pool;
-    pool.init();
-    while (pool.getBlockSizes().size() < 10) pool.alloc();
-    EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8, 16, 32, 64, 100, 100, 100}));
+    EXPECT_EQ(sizesOf<Large>(10), (Sizes{4, 2, 4, 8, 16, 32, 64, 100, 100, 100}));
 }
 
 TEST(SimplePool, ResetKeepsTheFirstBlockAndTheSizesReached) {
@@ -176,11 +177,7 @@ TEST(SimplePool, LackOfMemoryLeavesItAsItWas) {
 
 TEST(SimplePool, ManyBlocksAreReportedAtTheEnd) {
     const auto outputWith = [](std::size_t numBlocks) {
-        return outputOf([numBlocks] {
-            SimplePool<Steady> pool;
-            pool.init();
-            while (pool.getBlockSizes().size() < numBlocks) pool.alloc();
-        });
+        return outputOf([numBlocks] { sizesOf<TwoTetStruct>(numBlocks); });
     };
     EXPECT_EQ(outputWith(50), "");
     EXPECT_EQ(outputWith(51), "SimplePool::~SimplePool: Number of containers to release: 51\n");

@@ -49,11 +49,13 @@ using TetsDeathTest = Tets;
 }  // namespace
 
 TEST_F(Tets, FacetsAndEdgesFollowTheConventions) {
+    const int facets[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
     const GeomTest3 predicates;
     EXPECT_EQ(predicates.getOrientation3(&p[0], &p[1], &p[2], &p[3]), ORIENTATION3_POSITIVE);
     for (int i = 0; i < 4; ++i) {
         int facet[3];
         tet->getFacetIndices(i, facet[0], facet[1], facet[2]);
+        EXPECT_TRUE(std::equal(facet, facet + 3, facets[i]));
         EXPECT_EQ(predicates.getOrientation3(tet->getCorner(facet[0]), tet->getCorner(facet[1]),
                                              tet->getCorner(facet[2]), tet->getCorner(i)),
                   ORIENTATION3_NEGATIVE);
@@ -100,6 +102,9 @@ TEST_F(Tets, LabelsWrapAroundAfterTheLargest) {
     EXPECT_EQ(MeshAccess::label(tet.get()), INT_MIN);
     stranger->setProperties(&p[0], &p[1], &p[2], &p[3]);
     EXPECT_EQ(MeshAccess::label(stranger.get()), INT_MIN + 1);
+    Tet3::runningLabel = INT_MAX;
+    EXPECT_EQ(MeshAccess::reserveLabels(3), 0x7FFFFFFFU);
+    EXPECT_EQ(Tet3::runningLabel, INT_MIN + 2);
 }
 
 TEST_F(Tets, CornersAreFoundByAddressOrCoordinates) {
