@@ -128,6 +128,7 @@ TEST_F(Tets, CornersAreFoundByAddressOrCoordinates) {
 
 TEST_F(Tets, NeighboursMatchAcrossEveryFacetInEveryOrder) {
     for (int ith = 0; ith < 4; ++ith) {
+        EXPECT_EQ(tet->getIntraTetIndexInOppTetForReg(tet.get(), ith), ith);
         std::array<Point3*, 4> corners = {&p[0], &p[1], &p[2], &p[3]};
         corners[static_cast<std::size_t>(ith)] = &p[4];
         std::sort(corners.begin(), corners.end());
