@@ -111,7 +111,7 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
         if (starts.isReady()) pLastTet = starts.nearest(vVertices, position, pLastTet);
         engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
         const int located = locateConflictTet(pVtx, pLastTet, numSteps);
-        if (!starts.isReady() && numSteps > 32 * numInserted + 4096) {
+        if (!starts.isReady() && numSteps > 20 * numInserted + 4096) {
             // The insertion order is no good guide through this batch.
             starts.prepare(vVertices, order, store.getBbox());
         }
@@ -220,46 +220,55 @@ int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet, std::size_t& nu
     if (pStartTet == nullptr) goToHell("locateConflictTet");
     int located = walk(pVtx, pStartTet, MAX_STEPS / 10, numSteps);
     if (located == LOCATION_STOPPED) {
-        pStartTet = tetAtNearestVertex(*pVtx, pStartTet);
-        located = walk(pVtx, pStartTet, MAX_STEPS, numSteps);
+        located = locateAtNearestVertex(*pVtx, pStartTet);
+        if (located == LOCATION_STOPPED) located = walk(pVtx, pStartTet, MAX_STEPS, numSteps);
     }
     if (located == LOCATION_STOPPED) stopWalk(pStartTet);
     return located;
 }
 
-/// Goes from vertex to neighbouring vertex as long as that comes nearer to the point; in a Delaunay
-/// mesh this ends at the vertex nearest of all. Returns a tetrahedron there, if possible the one
-/// in which the point lies as seen from that vertex.
-Tet3* Dt3::tetAtNearestVertex(const Point3& point, Tet3* pTet) const {
-    Point3* nearest = MeshAccess::corner(pTet, 0);
-    double distance = squaredDistance(*nearest, point);
-    std::vector<Tet3*> star{pTet};
-    for (const Point3* centre = nullptr; centre != nearest;) {
-        if (centre != nullptr) {
-            star.clear();
-            getTetsAroundVertex(nearest, star);
+/// Looks for the point at the vertex nearest to it. Returns the index of a hull facet there that
+/// the point lies beyond; else LOCATION_STOPPED, and a tetrahedron at that vertex to walk from.
+int Dt3::locateAtNearestVertex(const Point3& point, Tet3*& pTet) const {
+    const Point3* nearest = nullptr;
+    std::vector<Tet3*> star;
+    findNearestStar(point, pTet, nearest, star);
+    pTet = star.front();
+    for (Tet3* tet : star) {
+        bool bFacing = true;  // the point lies in the tetrahedron as seen from the vertex
+        for (int i = 0; i < 4; ++i) {
+            if (MeshAccess::corner(tet, i) == nearest) continue;
+            if (predicates.getOrientation3(tet, i, &point) != ORIENTATION3_NEGATIVE) continue;
+            bFacing = false;
+            if (MeshAccess::neighbour(tet, i) != nullptr) continue;
+            pTet = tet;
+            return i;
         }
-        centre = nearest;
+        if (bFacing) pTet = tet;
+    }
+    return LOCATION_STOPPED;
+}
+
+/// Goes from vertex to neighbouring vertex as long as that comes nearer to the point; in a Delaunay
+/// mesh this ends at the vertex nearest of all. Yields it and the tetrahedra around it.
+void Dt3::findNearestStar(const Point3& point, Tet3* pTet, const Point3*& pNearest,
+                          std::vector<Tet3*>& star) {
+    Point3* centre = MeshAccess::corner(pTet, 0);
+    double distance = squaredDistance(*centre, point);
+    while (pNearest != centre) {
+        pNearest = centre;
+        star.clear();
+        getTetsAroundVertex(centre, star);
         for (const Tet3* tet : star) {
             for (int i = 0; i < 4; ++i) {
                 Point3* corner = MeshAccess::corner(tet, i);
                 const double cornerDistance = squaredDistance(*corner, point);
                 if (!(cornerDistance < distance)) continue;
                 distance = cornerDistance;
-                nearest = corner;
+                centre = corner;
             }
         }
     }
-    star.clear();
-    getTetsAroundVertex(nearest, star);
-    for (Tet3* tet : star) {
-        bool bSeen = true;
-        for (int i = 0; i < 4 && bSeen; ++i)
-            bSeen = MeshAccess::corner(tet, i) == nearest ||
-                    predicates.getOrientation3(tet, i, &point) != ORIENTATION3_NEGATIVE;
-        if (bSeen) return tet;
-    }
-    return star.front();
 }
 
 /// The watchdog's report. It also moves one step at random, for a caller who tries again.

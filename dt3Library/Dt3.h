@@ -95,7 +95,9 @@ class Dt3 {
     static constexpr int MAX_STEPS = 10000;
     int locateConflictTet(const Point3* pVtx, Tet3*& pStartTet, std::size_t& numSteps) const;
     int walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& numSteps) const;
-    Tet3* tetAtNearestVertex(const Point3& point, Tet3* pTet) const;
+    int locateAtNearestVertex(const Point3& point, Tet3*& pTet) const;
+    static void findNearestStar(const Point3& point, Tet3* pTet, const Point3*& pNearest,
+                                std::vector<Tet3*>& star);
     static void stopWalk(Tet3*& pTet);
     int examineCoplanar(const Point3* pVtx, Tet3*& pStartTet, int facet) const;
     static int circulateToHull(Tet3*& pStartTet, int opp3ICI, int opp2ICI);
