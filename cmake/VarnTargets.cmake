@@ -26,12 +26,11 @@ function(varn3d_set_up_library target)
                CXX_VISIBILITY_PRESET hidden
                VISIBILITY_INLINES_HIDDEN ON
                POSITION_INDEPENDENT_CODE ON)
-  # A fused multiply-add rounds once where the predicates count on two roundings; and a host's
-  # -ffast-math must not reach them.
+  # A fused multiply-add rounds once where the predicates count on two roundings.
   if(MSVC)
     target_compile_options(${target} PRIVATE /fp:precise)
   else()
-    target_compile_options(${target} PRIVATE -fno-fast-math -ffp-contract=off)
+    target_compile_options(${target} PRIVATE -ffp-contract=off)
   endif()
   varn3d_strict_warnings(${target})
 endfunction()
