@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -32,6 +33,12 @@ std::size_t statusBytes(const std::string& name) {
     throw std::runtime_error("no " + name + " in /proc/self/status");
 }
 
+double cpuSeconds() {
+    timespec now;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
 void forgetPeak() {
     std::ofstream("/proc/self/clear_refs") << "5";
 }
@@ -47,14 +54,15 @@ std::string escaped(const std::string& text) {
 
 void print(const Report& report, std::size_t points) {
     std::printf(
-        "{\"engine\": \"%s\", \"points\": %zu, \"seconds\": %.9f, \"listTetrahedra\": %.9f, "
+        "{\"engine\": \"%s\", \"points\": %zu, \"seconds\": %.9f, \"cpuSeconds\": %.9f, "
+        "\"listTetrahedra\": %.9f, "
         "\"listVertices\": %.9f, \"locate\": %.9f, \"located\": %zu, \"peakBytes\": %zu, "
         "\"tetrahedra\": %zu, \"vertices\": %zu, \"volume\": %.17g, \"valid\": %s, "
         "\"fault\": \"%s\", \"profile\": {%s}}\n",
-        engineName, points, report.seconds, report.listTetrahedra, report.listVertices,
-        report.locate, report.located, report.peakBytes, report.tetrahedra, report.vertices,
-        report.volume, report.valid ? "true" : "false", escaped(report.fault).c_str(),
-        report.profile.c_str());
+        engineName, points, report.seconds, report.cpuSeconds, report.listTetrahedra,
+        report.listVertices, report.locate, report.located, report.peakBytes, report.tetrahedra,
+        report.vertices, report.volume, report.valid ? "true" : "false",
+        escaped(report.fault).c_str(), report.profile.c_str());
 }
 
 std::size_t parsedCount(const char* text) {
@@ -67,13 +75,14 @@ std::size_t parsedCount(const char* text) {
 Job parsedJob(int argc, char** argv) {
     if (argc < 2) {
         throw std::runtime_error(
-            "usage: POINTS [--batches COUNT | --singles] [--queries POINTS] [--check]");
+            "usage: POINTS [--batches COUNT | --singles-after COUNT] [--queries POINTS] [--check]");
     }
-    Job job{PointFile(argv[1]), 1, {}, false};
+    Job job{PointFile(argv[1]), 1, 0, {}, false};
     for (int i = 2; i < argc; ++i) {
         const std::string option = argv[i];
-        if (option == "--singles") {
+        if (option == "--singles-after" && i + 1 < argc) {
             job.batches = 0;
+            job.head = parsedCount(argv[++i]);
         } else if (option == "--check") {
             job.fullCheck = true;
         } else if (option == "--batches" && i + 1 < argc) {
@@ -144,12 +153,14 @@ void Report::reject(const std::string& why) {
 Measurement::Measurement() {
     forgetPeak();
     residentBefore = statusBytes("VmRSS");
+    cpuStart = cpuSeconds();
     start = std::chrono::steady_clock::now();
 }
 
 void Measurement::stop(Report& report) const {
     report.seconds =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    report.cpuSeconds = cpuSeconds() - cpuStart;
     report.peakBytes = statusBytes("VmHWM") - residentBefore;
 }
 

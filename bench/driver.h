@@ -35,8 +35,10 @@ class PointFile {
 /// What one process is asked to do.
 struct Job {
     PointFile points;
-    /// The points come in this many equal batches, in the file's order; 0: one by one.
+    /// The points come in this many equal batches, in the file's order; 0: one by one, but for the
+    /// first `head`, which come as a batch.
     std::size_t batches = 1;
+    std::size_t head = 0;
     /// Points to locate in the finished mesh.
     std::vector<Position> queries;
     /// Whether the engine shall also check its whole mesh, outside the measured time.
@@ -51,6 +53,7 @@ struct Job {
 /// What one process found. Times are in seconds; negative: not measured.
 struct Report {
     double seconds = -1.0;
+    double cpuSeconds = -1.0;
     double listTetrahedra = -1.0;
     double listVertices = -1.0;
     double locate = -1.0;
@@ -80,6 +83,7 @@ class Measurement {
 
   private:
     std::size_t residentBefore;
+    double cpuStart;
     std::chrono::steady_clock::time_point start;
 };
 

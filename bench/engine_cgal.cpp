@@ -21,7 +21,8 @@ Point pointAt(const Position& position) {
 template <typename Mesh>
 void insertAll(Mesh& mesh, const std::vector<Point>& input, const Job& job) {
     if (job.batches == 0) {
-        for (const Point& point : input) mesh.insert(point);
+        mesh.insert(input.data(), input.data() + job.head);
+        for (std::size_t i = job.head; i < input.size(); ++i) mesh.insert(input[i]);
     }
     for (std::size_t i = 0; i < job.batches; ++i) {
         const auto [first, last] = job.batch(i, input.size());

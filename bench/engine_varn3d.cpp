@@ -31,27 +31,30 @@ VARN3D::Point3 pointAt(const Position& position) {
     return {position[0], position[1], position[2]};
 }
 
-/// The input in the form that the library takes: a vector for each batch, or one for all points
-/// that come one by one.
-std::vector<std::vector<VARN3D::Point3>> inputOf(const Job& job) {
-    const std::size_t parts = job.batches == 0 ? 1 : job.batches;
-    std::vector<std::vector<VARN3D::Point3>> input(parts);
-    for (std::size_t i = 0; i < parts; ++i) {
-        const auto [first, last] = job.batches == 0
-                                       ? std::make_pair(std::size_t(0), job.points.size())
-                                       : job.batch(i, job.points.size());
-        input[i].reserve(last - first);
-        for (std::size_t k = first; k < last; ++k) input[i].push_back(pointAt(job.points[k]));
+/// The input in the form that the library takes: a vector for each batch.
+std::vector<std::vector<VARN3D::Point3>> batchesOf(const Job& job) {
+    std::vector<std::vector<VARN3D::Point3>> batches;
+    const auto add = [&](std::size_t first, std::size_t last) {
+        batches.emplace_back().reserve(last - first);
+        for (std::size_t i = first; i < last; ++i) batches.back().push_back(pointAt(job.points[i]));
+    };
+    for (std::size_t i = 0; i < job.batches; ++i) {
+        const auto [first, last] = job.batch(i, job.points.size());
+        add(first, last);
     }
-    return input;
+    if (job.batches == 0) {
+        add(0, job.head);
+        add(job.head, job.points.size());
+    }
+    return batches;
 }
 
-void insertAll(VARN3D::Varn_3D& mesh, std::vector<std::vector<VARN3D::Point3>>& input,
-               bool oneByOne) {
-    for (std::vector<VARN3D::Point3>& points : input) {
-        if (oneByOne) {
+void insertAll(VARN3D::Varn_3D& mesh, std::vector<std::vector<VARN3D::Point3>>& batches,
+               bool lastOneByOne) {
+    for (std::vector<VARN3D::Point3>& points : batches) {
+        if (lastOneByOne && &points == &batches.back()) {
             for (VARN3D::Point3& point : points) mesh.insert(point);
-        } else {
+        } else if (!points.empty()) {
             std::vector<VARN3D::Point3*> handles;
             mesh.insert(points, handles);
         }
@@ -133,13 +136,13 @@ const char* const engineName = "varn3d";
 #endif
 
 void triangulate(Job& job, Report& report) {
-    std::vector<std::vector<VARN3D::Point3>> input = inputOf(job);
+    std::vector<std::vector<VARN3D::Point3>> batches = batchesOf(job);
     job.points.release();
     const CapturedOutput output;
     try {
         const Measurement measurement;
         VARN3D::Varn_3D mesh;
-        insertAll(mesh, input, job.batches == 0);
+        insertAll(mesh, batches, job.batches == 0);
         measurement.stop(report);
         writeProfile(report);
         examine(mesh, job.fullCheck, report);

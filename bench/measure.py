@@ -61,10 +61,11 @@ class PointFiles:
 
 
 class Engine:
-    def __init__(self, name, driver, timeout, most_points=None, batch_only=False):
+    def __init__(self, name, driver, timeout, clock="wall", most_points=None, batch_only=False):
         self.name = name
         self.driver = Path(driver)
         self.timeout = timeout
+        self.clock = clock
         self.most_points = most_points
         self.batch_only = batch_only
 
@@ -77,7 +78,7 @@ class Engine:
         """The driver's report; one without a mesh to trust has "valid": False and a "fault"."""
         command = [self.driver, files.path(point_set.shape, point_set.seed)]
         if point_set.batches == 0:
-            command.append("--singles")
+            command += ["--singles-after", str(point_set.head)]
         elif point_set.batches > 1:
             command += ["--batches", str(point_set.batches)]
         if point_set.queries is not None:
@@ -89,7 +90,10 @@ class Engine:
         except subprocess.TimeoutExpired:
             return {"valid": False, "fault": f"more than {self.timeout:g} s"}
         try:
-            return json.loads(done.stdout)
+            report = json.loads(done.stdout)
+            if self.clock == "cpu":
+                report["seconds"] = report["cpuSeconds"]
+            return report
         except json.JSONDecodeError:
             last = (done.stdout + done.stderr).strip().splitlines()[-1:]
             return {"valid": False, "fault": f"exit code {done.returncode}: {' '.join(last)}"[:200]}
