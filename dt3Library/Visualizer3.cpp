@@ -57,7 +57,6 @@ Visualizer3::Visualizer3(const std::string& fileName) {
         std::exit(1);
     }
     std::cout << "  Writing " << fileName << std::endl;
-    bOpen = true;
     out.imbue(std::locale::classic());  // OOGL knows no decimal comma, whatever the host's locale
     out << "LIST" << std::endl << "{" << std::endl;
 }
@@ -67,10 +66,9 @@ Visualizer3::~Visualizer3() {
 }
 
 void Visualizer3::close() {
-    if (!bOpen) return;
+    if (!out.is_open()) return;
     out << "}" << std::endl;
     out.close();
-    bOpen = false;
 }
 
 void Visualizer3::writeCoordinates(const Point3& p) {

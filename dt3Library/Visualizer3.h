@@ -81,7 +81,6 @@ class Visualizer3 {
     void writeCoordinates(const Point3& p);
 
     std::ofstream out;
-    bool bOpen = false;
 };
 
 }  // namespace VARN3D

@@ -127,6 +127,10 @@ TEST(Bbox3, GrowsAndTellsWhetherItDid) {
     EXPECT_EQ(box.getMaxCoord(), 13);
     EXPECT_EQ(box.getMaxRange(), 20);
 
+    // A box whose smallest x is the largest double counts as empty: its next points are its first.
+    Bbox3 farthest;
+    for (int twice = 0; twice < 2; ++twice)
+        EXPECT_TRUE(farthest.add(std::vector<Point3>{Point3(DBL_MAX, DBL_MAX, DBL_MAX)}));
     const Bbox3 extreme({Point3(DBL_MAX, 0, 0), Point3(-1, 5, 0), Point3(0, 0, 0)});
     expectCoordinates(extreme.getMinPoint(), -1, 0, 0);
     expectCoordinates(extreme.getMaxPoint(), DBL_MAX, 5, 0);

@@ -115,7 +115,6 @@ class SimplePool {
     std::int32_t nextIndex = -1;  // of the last slot handed out
     std::int32_t currentBlockSize = 0;
     bool initialized = false;
-    bool fresh = true;  // only the first block is in use
     std::vector<Block> vBlocks;
     std::vector<std::int32_t> vSizes;
 };
@@ -134,7 +133,6 @@ template <class T>
 T* SimplePool<T>::allocInNewBlock() {
     varnAssertText(initialized, "initialized");
     addBlock(Traits::increase);
-    fresh = false;
     nextIndex = 0;
     return pCurrentBlock;
 }
@@ -176,10 +174,9 @@ void SimplePool<T>::useLastBlock() {
 template <class T>
 void SimplePool<T>::reset() {
     nextIndex = -1;
-    if (fresh) return;
+    if (vBlocks.size() < 2) return;
     vBlocks.erase(vBlocks.begin() + 1, vBlocks.end());
     useLastBlock();
-    fresh = true;
 }
 
 }  // namespace VARN3D
