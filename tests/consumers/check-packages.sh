@@ -13,12 +13,13 @@ touch "$scratch/root/var/lib/dpkg/status"
 
 # The package's scripts renew the linker's cache, which here would be the system's.
 mkdir "$scratch/bin"
-ln -s "$(command -v true)" "$scratch/bin/ldconfig"
+echo '#!/bin/sh' >"$scratch/bin/ldconfig"
+chmod +x "$scratch/bin/ldconfig"
 
 installed() { (cd "$1" && find . ! -type d ! -path './var/*' | sort); }
 below_root() {
-    PATH="$scratch/bin:$PATH" fakeroot dpkg --root="$scratch/root" --force-not-root --force-depends --force-script-chrootless \
-        --log=/dev/null "$@" >/dev/null
+    PATH="$scratch/bin:$PATH" fakeroot dpkg --root="$scratch/root" --log=/dev/null \
+        --force-not-root --force-depends --force-script-chrootless "$@" >/dev/null
 }
 
 tar -C "$scratch/tar" --strip-components=1 -xzf "$scratch"/varn3d-*.tar.gz
