@@ -7,6 +7,7 @@
 
 #include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
@@ -204,6 +205,24 @@ TEST(Insertion, startUpFindsWhatTheLiteralSearchFinds) {
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(tets[0]->getCorner(i), vertex(static_cast<std::size_t>(i)));
     }
+}
+
+// The records of doomed tetrahedra are used again, but not while the insertion still reads them.
+TEST(Insertion, recordsAreUsedAgainFromTheNextInsertionOn) {
+    Varn_3D mesh;
+    std::set<Tet3*> everLive;
+    std::set<Tet3*> live;
+    for (Point3 p : uniform(400, 1)) {
+        const std::int32_t firstNew = Tet3::runningLabel;
+        outputOf([&] { mesh.insert(p); });
+        std::vector<Tet3*> tets;
+        if (mesh.is3D()) mesh.getTetrahedra(tets);
+        for (Tet3* tet : tets)
+            EXPECT_TRUE(MeshAccess::label(tet) < firstNew || live.count(tet) == 0);
+        live = {tets.begin(), tets.end()};
+        everLive.insert(tets.begin(), tets.end());
+    }
+    EXPECT_LT(everLive.size(), live.size() + 200);
 }
 
 TEST(Insertion, largeFlatInputNeedsNoSearch) {
