@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iomanip>
 #include <limits>
 #include <set>
+#include <sstream>
 
+#include "dt3Library/Cavity.h"
 #include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/MeshAccess.h"
@@ -205,6 +208,49 @@ TEST(Insertion, startUpFindsWhatTheLiteralSearchFinds) {
         for (int i = 0; i < 4; ++i)
             EXPECT_EQ(tets[0]->getCorner(i), vertex(static_cast<std::size_t>(i)));
     }
+}
+
+TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMadeAndLinked) {
+    const GeomTest3 predicates;
+    TetRecycler recycler;
+    Cavity cavity(predicates, recycler);
+    Point3 a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), d(0, 0, 0.1), e(1, 1, 0);
+    const auto report = [](const char* kind, const std::vector<const Point3*>& corners) {
+        std::ostringstream out;
+        out << "Dt3::createTet(), ERROR: ORIENTATION3_" << kind << " ORIENTATION OF: \n"
+            << std::setprecision(15);
+        for (const Point3* p : corners) out << *p << "\n";
+        return out.str();
+    };
+    const std::string failed = "\n      Varn, , ERROR: Condition [ ";
+    EXPECT_THAT(
+        outputOf([&] { EXPECT_THROW(cavity.createTet(&b, &a, &c, &d), VarnException); }),
+        testing::StartsWith(report("NEGATIVE", {&b, &a, &c, &d}) + failed + "false failed ]\n"));
+    EXPECT_EQ(outputOf([&] { EXPECT_NE(cavity.createTet(&a, &b, &c, &e), nullptr); }),
+              report("COPLANAR", {&a, &b, &c, &e}) + "..probably a legal situaion but observe!\n");
+    EXPECT_THAT(outputOf([&] { EXPECT_THROW(cavity.retetrahedralise({}), VarnException); }),
+                testing::StartsWith("Warning: vDoomedTets() without input tets, returning NULL\n" +
+                                    failed));
+
+    Tet3* one = cavity.createTet(&a, &b, &c, &d);
+    Tet3* other = cavity.createTet(&e, &c, &b, &d);
+    Cavity::registerTets(one, 0, other, 0);
+    EXPECT_EQ(one->getOppTet(0), other);
+    EXPECT_EQ(other->getOppTet(0), one);
+    const struct {
+        int ith, jth;
+        Tet3* to;
+        std::string condition;
+    } faults[] = {{4, 0, other, "range03(ith)"},
+                  {0, 4, other, "range03(jth)"},
+                  {0, 0, nullptr, "toTet!=0"},
+                  {0, 0, one, "fromTet!=toTet"}};
+    for (const auto& [ith, jth, to, condition] : faults)
+        EXPECT_THAT(
+            outputOf([&, i = ith, j = jth, t = to] {
+                EXPECT_THROW(Cavity::registerTets(one, i, t, j), VarnException);
+            }),
+            testing::HasSubstr(failed + condition + " failed ]\n\n      dt3Library/Dt3.cpp:"));
 }
 
 // The records of doomed tetrahedra are used again, but not while the insertion still reads them.
