@@ -7,6 +7,8 @@
 namespace VARN3D {
 
 #if defined(__SIZEOF_INT128__)
+#define VARN3D_HAS_INT128
+__extension__ using Int128 = __int128;
 __extension__ using Uint128 = unsigned __int128;
 #endif
 
@@ -29,7 +31,7 @@ inline std::uint64_t subtractWithBorrow(std::uint64_t a, std::uint64_t b, std::u
 /// The low half of a * b + addend1 + addend2, which always fits two halves.
 inline std::uint64_t multiplyAdd(std::uint64_t a, std::uint64_t b, std::uint64_t addend1,
                                  std::uint64_t addend2, std::uint64_t& high) {
-#if defined(__SIZEOF_INT128__)
+#if defined(VARN3D_HAS_INT128)
     const Uint128 result = static_cast<Uint128>(a) * b + addend1 + addend2;
     high = static_cast<std::uint64_t>(result >> 64);
     return static_cast<std::uint64_t>(result);
@@ -80,10 +82,33 @@ struct FixedInteger {
     }
 };
 
+#if defined(VARN3D_HAS_INT128)
+/// A number of one limb times another, keeping the sign in the carry.
+template <std::size_t M>
+FixedInteger<1 + M> multiplyByLimb(const FixedInteger<1>& a, const FixedInteger<M>& b) {
+    FixedInteger<1 + M> product;
+    const auto factor = static_cast<std::int64_t>(a.limbs[0]);
+    std::int64_t carry = 0;
+    for (std::size_t j = 0; j + 1 < M; ++j) {
+        const Int128 partial = static_cast<Int128>(factor) * b.limbs[j] + carry;
+        product.limbs[j] = static_cast<std::uint64_t>(partial);
+        carry = static_cast<std::int64_t>(partial >> 64);
+    }
+    const Int128 top =
+        static_cast<Int128>(factor) * static_cast<std::int64_t>(b.limbs[M - 1]) + carry;
+    product.limbs[M - 1] = static_cast<std::uint64_t>(top);
+    product.limbs[M] = static_cast<std::uint64_t>(top >> 64);
+    return product;
+}
+#endif
+
 /// Schoolbook multiplication; a factor that is negative counts 2^64N too much as an unsigned
 /// number, so the other factor is taken off the upper limbs.
 template <std::size_t N, std::size_t M>
 FixedInteger<N + M> operator*(const FixedInteger<N>& a, const FixedInteger<M>& b) {
+#if defined(VARN3D_HAS_INT128)
+    if constexpr (N == 1) return multiplyByLimb(a, b);
+#endif
     FixedInteger<N + M> product;
     for (std::size_t i = 0; i < N; ++i) {
         std::uint64_t carry = 0;

@@ -16,8 +16,8 @@
 //
 //   Filter         plain doubles against a bound of their error; right for whatever it decides
 //   Lattice        the same doubles, where it can be shown that nothing was rounded
-//   SmallInteger   exact integers of 64 bits a difference
-//   MediumInteger  exact integers of 128 bits a difference
+//   SmallInteger   exact integers of one 64-bit limb a coordinate
+//   MediumInteger  exact integers of two
 //   WideInteger    exact integers for all finite doubles
 //
 // General input stops at the filter, integer grids at the lattice; points that are nearly or
@@ -218,8 +218,7 @@ Estimate estimateOf(const Points<Predicate>& points) {
 /// Geometric Predicates, 1997) with `errorBound` his constant, and a bound for underflow.
 inline Verdict decideByFilter(const Estimate& estimate, double errorBound) {
     const double bound = errorBound * estimate.permanent + estimate.underflow;
-    if (std::fabs(estimate.determinant) > bound)
-        return {true, signOf(estimate.determinant)};
+    if (std::fabs(estimate.determinant) > bound) return {true, signOf(estimate.determinant)};
     return UNCERTAIN;
 }
 
@@ -275,64 +274,129 @@ Verdict decideOnLattice(const Points<Predicate>& points, const Estimate& estimat
 
 // ---- Exact integers ----------------------------------------------------------------------------
 
-/// Points as integers in units of 2^lowest, differences and determinant.
-template <class Predicate, class Integer, class Convert>
-int signByIntegers(const Points<Predicate>& points, Convert convert) {
-    const auto convertAll = [&convert](const Point3& p) {
-        return Triple<Integer>{convert(p.x()), convert(p.y()), convert(p.z())};
-    };
-    const auto origin = convertAll(*points.p[Predicate::NUM_ROWS]);
-    Triple<Integer> rows[Predicate::NUM_ROWS];
-    for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
-        const auto p = convertAll(*points.p[i]);
-        rows[i] = {p.x - origin.x, p.y - origin.y, p.z - origin.z};
-    }
-    return Predicate::determinant(rows).sign();
-}
+/// Takes the coordinates of some points to integers of N limbs, in the unit that leaves the largest
+/// one 64N - 3 bits. Differences are then below 2^(64N - 2), and a determinant of degree d, with at
+/// most 72 products, is below 72 * 2^(64N - 2)d < 2^(64Nd - 1); its minors fit in the same way.
+template <std::size_t N>
+class Converter {
+  public:
+    using Integer = FixedInteger<N>;
 
-/// Integers of N limbs, in units that take the largest coordinate to 64N - 3 bits; uncertain if a
-/// coordinate is no multiple of the unit. Differences are then below 2^(64N - 2), a determinant of
-/// degree d has at most 72 terms, and 72 * 2^(64N - 2)d < 2^(64Nd - 1) for the sphere test; for the
-/// others and for all the minors it is the same.
-template <class Predicate, std::size_t N>
-Verdict decideByIntegers(const Points<Predicate>& points) {
-    int highest = 0;
-    for (const Point3* p : points.p)
-        for (const double c : {p->x(), p->y(), p->z()})
-            highest = std::max(highest, BinaryParts(c).exponent);
-    std::uint64_t lost = 0;
-    const auto convert = [highest, &lost](double coordinate) {
+    template <class Predicate>
+    explicit Converter(const Points<Predicate>& points) {
+        for (const Point3* p : points.p)
+            for (const double c : {p->x(), p->y(), p->z()})
+                highest = std::max(highest, BinaryParts(c).exponent);
+    }
+
+    Integer operator()(double coordinate) {
         const BinaryParts parts(coordinate);
         // From bit 63 of the topmost limb down to where it belongs, 3 bits or more.
         const std::uint64_t aligned = parts.mantissa << 11;
         const int shift = 3 + highest - parts.exponent;
-        FixedInteger<N> result;
+        Integer result;
         std::uint64_t rest = aligned;
         for (std::size_t i = N; i-- > 0;) {
             const int here = shift - 64 * static_cast<int>(N - 1 - i);
-            if (here >= 0 && here < 64) {
+            if (here > 0 && here < 64) {
                 result.limbs[i] = aligned >> here;
-                rest = here == 0 ? 0 : aligned << (64 - here);
-            } else if (here < 0 && here > -64) {
+                rest = aligned << (64 - here);
+            } else if (here <= 0 && here > -64) {
                 result.limbs[i] = aligned << -here;
                 rest = 0;
             }
         }
         lost |= rest;
-        return parts.bNegative ? FixedInteger<N>() - result : result;
-    };
-    const int sign = signByIntegers<Predicate, FixedInteger<N>>(points, convert);
-    return lost == 0 ? Verdict{true, sign} : UNCERTAIN;
+        return parts.bNegative ? Integer() - result : result;
+    }
+
+    /// Whether all coordinates so far were multiples of the unit.
+    bool isExact() const { return lost == 0; }
+
+  private:
+    int highest = 0;
+    std::uint64_t lost = 0;
+};
+
+/// The same for one limb by the processor's own conversions, which take a third of the time.
+template <>
+class Converter<1> {
+  public:
+    using Integer = FixedInteger<1>;
+
+    template <class Predicate>
+    explicit Converter(const Points<Predicate>& points) {
+        double largest = 0.0;
+        for (const Point3* p : points.p)
+            for (const double c : {p->x(), p->y(), p->z()}) {
+                const double size = std::fabs(c);
+                largest = largest < size ? size : largest;
+            }
+        // largest < 2^(exponent - 1021); where the scale would overflow, two limbs must do.
+        const int exponent = BinaryParts(largest).exponent;
+        constexpr int LOWEST = 60;
+        bInexact = exponent < LOWEST;
+        if (bInexact) return;
+        scale = powerOfTwo(61 + 1021 - exponent);
+        unit = powerOfTwo(exponent - 61 - 1021);
+    }
+
+    Integer operator()(double coordinate) {
+        const auto integer = static_cast<std::int64_t>(coordinate * scale);
+        bInexact = bInexact || static_cast<double>(integer) * unit != coordinate;
+        return {{static_cast<std::uint64_t>(integer)}};
+    }
+
+    bool isExact() const { return !bInexact; }
+
+  private:
+    double scale = 0.0;
+    double unit = 0.0;
+    bool bInexact;
+};
+
+/// In units of the smallest double a difference of any two has 2099 bits.
+struct WideConverter {
+    using Integer = WideInteger<33>;
+
+    Integer operator()(double coordinate) const {
+        const BinaryParts parts(coordinate);
+        return {parts.mantissa, parts.exponent, parts.bNegative};
+    }
+};
+
+template <class Predicate, class Convert>
+struct IntegerRows {
+    Triple<typename Convert::Integer> row[Predicate::NUM_ROWS];
+
+    IntegerRows(const Points<Predicate>& points, Convert& convert) {
+        const auto convertAll = [&convert](const Point3& p) {
+            return Triple<typename Convert::Integer>{convert(p.x()), convert(p.y()),
+                                                     convert(p.z())};
+        };
+        const auto origin = convertAll(*points.p[Predicate::NUM_ROWS]);
+        for (int i = 0; i < Predicate::NUM_ROWS; ++i) {
+            const auto p = convertAll(*points.p[i]);
+            row[i] = {p.x - origin.x, p.y - origin.y, p.z - origin.z};
+        }
+    }
+};
+
+/// Integers of N limbs a difference; uncertain if the coordinates' sizes differ too much for them.
+template <class Predicate, std::size_t N>
+Verdict decideByIntegers(const Points<Predicate>& points) {
+    Converter<N> convert(points);
+    const IntegerRows<Predicate, Converter<N>> rows(points, convert);
+    if (!convert.isExact()) return UNCERTAIN;
+    return {true, Predicate::determinant(rows.row).sign()};
 }
 
-/// Any finite doubles: in units of the smallest of them a difference has 2099 bits.
+/// Integers for any finite doubles.
 template <class Predicate>
 int signByWideIntegers(const Points<Predicate>& points) {
-    using Integer = WideInteger<33>;
-    return signByIntegers<Predicate, Integer>(points, [](double coordinate) {
-        const BinaryParts parts(coordinate);
-        return Integer(parts.mantissa, parts.exponent, parts.bNegative);
-    });
+    WideConverter convert;
+    const IntegerRows<Predicate, WideConverter> rows(points, convert);
+    return Predicate::determinant(rows.row).sign();
 }
 
 }  // namespace predicateStages

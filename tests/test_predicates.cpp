@@ -5,27 +5,19 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
-#include <memory>
 #include <string>
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/VarnException.h"
 #include "dt3Library/predicateStages.h"
-#include "support/CaptureOutput.h"
-#include "support/Exact.h"
-#include "support/PredicateInput.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/Exact.h"
+#include "tests/support/PredicateInput.h"
 
 using namespace VARN3D;
 using namespace support;
 
 namespace {
-
-/// A tetrahedron without the line that its constructor prints.
-Tet3& scratchTet() {
-    static std::unique_ptr<Tet3> tet;
-    if (tet == nullptr) outputOf([] { tet = std::make_unique<Tet3>(); });
-    return *tet;
-}
 
 int signOfOrientation(Orientation3 orientation) {
     if (orientation == ORIENTATION3_POSITIVE) return 1;

@@ -5,15 +5,25 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <utility>
 #include <vector>
 
+#include "CaptureOutput.h"
 #include "PointSets.h"
+#include "dt3Library/Tet3.h"
 
 /// Families of five points that are hard for a predicate, each in its own way.
 namespace support {
 
 using FivePoints = std::array<VARN3D::Point3, 5>;
+
+/// A tetrahedron to set, without the line that its constructor prints.
+inline VARN3D::Tet3& scratchTet() {
+    static std::unique_ptr<VARN3D::Tet3> tet;
+    if (tet == nullptr) outputOf([] { tet = std::make_unique<VARN3D::Tet3>(); });
+    return *tet;
+}
 
 struct PredicateInput {
     const char* name;
