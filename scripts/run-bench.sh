@@ -4,7 +4,8 @@
 set -eu
 
 root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
-. "$root/scripts/packages.sh"
+cd "$root"
+. scripts/packages.sh
 
 install_missing g++ make cmake python3 libcgal-dev libtet1.5-dev libqhull-dev
 build=$root/build/bench
