@@ -153,7 +153,7 @@ TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
 
 TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
     Varn_3D mesh;
-    Points points = uniform(20, 1);
+    Points points = lattice(20, 5, 5, 5, 1);
     std::vector<Point3*> handles;
     outputOf([&] { mesh.insert(points, handles); });
     const PlainMesh before = plainMesh(labelledMesh(mesh, 0));

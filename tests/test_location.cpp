@@ -8,7 +8,7 @@
 #include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
 #include "support/CaptureOutput.h"
-#include "support/Exact.h"
+#include "support/LatticeExact.h"
 #include "support/PointSets.h"
 
 namespace {
@@ -21,7 +21,7 @@ int side(const Tet3* tet, int i, const Point3& p) {
     Point3 corners[4];
     for (int k = 0; k < 4; ++k) corners[k] = *tet->getCorner(k);
     corners[i] = p;
-    return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
+    return orientationOf(corners[0], corners[1], corners[2], corners[3]);
 }
 
 bool contains(const Tet3* tet, const Point3& p) {

@@ -9,7 +9,7 @@
 #include <set>
 
 #include "CaptureOutput.h"
-#include "Exact.h"
+#include "LatticeExact.h"
 #include "MeshDigest.h"
 #include "dt3Library/MeshAccess.h"
 
@@ -46,7 +46,7 @@ mpq_class sixPyramids(const Vertices& face, const Point3& beyond, const Point3& 
         for (const Point3* v : face) {
             // An edge: everything else lies to its left, or between its ends.
             const bool bEdge = u != v && std::all_of(face.begin(), face.end(), [&](Point3* w) {
-                                   const int side = exactOrientation(*u, *v, *w, beyond);
+                                   const int side = orientationOf(*u, *v, *w, beyond);
                                    return side > 0 || (side == 0 && !(*w < std::min(*u, *v)) &&
                                                        !(std::max(*u, *v) < *w));
                                });
@@ -69,7 +69,7 @@ mpq_class sixHullVolumes(const Vertices& vertices) {
                 bool bSupporting = true;
                 for (std::size_t l = 0; l < n && bSupporting; ++l) {
                     const int side =
-                        exactOrientation(*vertices[i], *vertices[j], *vertices[k], *vertices[l]);
+                        orientationOf(*vertices[i], *vertices[j], *vertices[k], *vertices[l]);
                     if (side == 0) {
                         face.push_back(vertices[l]);
                         continue;
@@ -163,7 +163,7 @@ class Oracle {
         Point3 corners[4];
         for (int k = 0; k < 4; ++k) corners[k] = *t->getCorner(k);
         corners[i] = *p;
-        return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
+        return orientationOf(corners[0], corners[1], corners[2], corners[3]);
     }
 
     void checkNeighbours() {
@@ -201,8 +201,8 @@ class Oracle {
     void checkSpheres() {
         for (const Tet3* t : tets)
             for (const Point3* v : vertices)
-                require(exactInSphere(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2),
-                                      *t->getCorner(3), *v) <= 0,
+                require(inSphereOf(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2),
+                                   *t->getCorner(3), *v) <= 0,
                         "circumspheres are empty");
     }
 
@@ -263,7 +263,7 @@ bool areCoplanar(const std::vector<Point3>& points) {
     // Any two distinct points of a set that spans space belong to four that do.
     for (const Point3& c : points)
         for (const Point3& d : points)
-            if (exactOrientation(points.front(), *second, c, d) != 0) return false;
+            if (orientationOf(points.front(), *second, c, d) != 0) return false;
     return true;
 }
 
