@@ -252,15 +252,13 @@ inline double powerOfTwo(int exponent) {
 /// is an integer below 2^53 in its power of u.
 template <class Predicate>
 Verdict decideOnLattice(const Points<Predicate>& points, const Estimate& estimate) {
-    // Above, and below in powers of u, lie overflow and underflow.
-    constexpr double MAX_PERMANENT = 0x1p900;
-    constexpr int MIN_UNIT = -200;
-    if (!(estimate.permanent < MAX_PERMANENT)) return UNCERTAIN;
+    constexpr double NO_OVERFLOW = 0x1p900;
+    if (!(estimate.permanent < NO_OVERFLOW)) return UNCERTAIN;
     constexpr int DEGREE = Predicate::DEGREE;
-    // permanent < 2^(excess + 52)
+    // permanent < 2^(excess + 52), and excess is at least -1073: with u^degree no less than
+    // 2^excess nothing underflows either.
     const int excess = BinaryParts(estimate.permanent).exponent - 1074 + 1;
-    const int unit =
-        std::max(MIN_UNIT, excess > 0 ? (excess + DEGREE - 1) / DEGREE : excess / DEGREE);
+    const int unit = excess > 0 ? (excess + DEGREE - 1) / DEGREE : excess / DEGREE;
     // Adding and subtracting this number rounds to a multiple of u, if that changes anything.
     const double rounder = 1.5 * powerOfTwo(52 + unit);
     const auto isOff = [rounder](double value) {

@@ -113,6 +113,25 @@ inline const std::vector<PredicateInput>& predicateInputs() {
          [](Random& r) { return fromCoordinates([&] { return double(r.below(1 << 20)); }); }},
         {"tenths", [](Random& r) { return fromCoordinates([&] { return 0.1 * r.below(5); }); }},
         {"boxOfIntegers", [](Random& r) { return gridBox(r, 1.0, 60, 0.0); }},
+        {"boxOfIntegersOfManySizes",
+         [](Random& r) {
+             const int size = 1 << (7 + r.below(6));
+             std::array<std::array<double, 2>, 3> ranges;
+             for (auto& range : ranges) range = {double(r.below(size)), double(r.below(size))};
+             return boxCorners(r, ranges);
+         }},
+        {"coplanarIntegersOfManySizes",
+         [](Random& r) {
+             const int size = 1 << (14 + r.below(7));
+             FivePoints points = fromCoordinates([&] { return double(r.below(size)); });
+             const VARN3D::Vector3 u = points[1] - points[0];
+             const VARN3D::Vector3 v = points[2] - points[0];
+             const double i = r.below(4), j = r.below(4);
+             points[3].exchange(points[0].x() + i * u.x() + j * v.x(),
+                                points[0].y() + i * u.y() + j * v.y(),
+                                points[0].z() + i * u.z() + j * v.z());
+             return points;
+         }},
         {"boxOfTenths", [](Random& r) { return gridBox(r, 0.1, 60, 0.0); }},
         {"boxOfThirdsFarOff", [](Random& r) { return gridBox(r, 1.0 / 3.0, 5, 1e7); }},
         {"boxBelowUnderflow", [](Random& r) { return gridBox(r, 1e-120, 9, 0.0); }},
@@ -132,6 +151,16 @@ inline const std::vector<PredicateInput>& predicateInputs() {
         {"sphereOfTinyRadius", [](Random& r) { return onSphere(r, 1e-200, 1.0); }},
         {"sphereOfHugeRadius", [](Random& r) { return onSphere(r, 1e307, 1.0); }},
         {"flatEllipsoid", [](Random& r) { return onSphere(r, 1.0, 1e-150); }},
+        {"needleWhoseThicknessUnderflows",
+         [](Random& r) {
+             FivePoints points;
+             for (VARN3D::Point3& p : points) {
+                 const double x = 1e-162 * r.unit();
+                 const double y = 1e-162 * r.unit();
+                 p.exchange(x, y, 1e12 * r.unit());
+             }
+             return points;
+         }},
         {"small", [](Random& r) { return fromCoordinates([&] { return 1e-60 * r.unit(); }); }},
         {"smaller", [](Random& r) { return fromCoordinates([&] { return 1e-250 * r.unit(); }); }},
         {"denormal", [](Random& r) { return fromCoordinates([&] { return 2e-322 * r.unit(); }); }},
