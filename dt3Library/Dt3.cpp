@@ -307,6 +307,7 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& n
         }
         facet = (facet + 1) % 4;
         if (--untested == 0) {
+            checkInside(pStartTet, pVtx);
             located = LOCATED_INSIDE;
             break;
         }
@@ -314,6 +315,22 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& n
     VARN3D_COUNT_WALK(steps);
     numSteps += static_cast<std::size_t>(steps);
     return located;
+}
+
+/// What must hold where a walk ends inside; only a mesh broken from outside violates it.
+void Dt3::checkInside(const Tet3* pStartTet, const Point3* pVtx) const {
+    static const char* const CONDITIONS[4] = {
+        "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE",
+        "predicates.getOrientation3(pStartTet,1,pVtx)==ORIENTATION3_POSITIVE",
+        "predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE",
+        "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE"};
+    for (int i = 0; i < 4; ++i) {
+        const Orientation3 side = predicates.getOrientation3(pStartTet, i, pVtx);
+        engineCheck(side == ORIENTATION3_POSITIVE, CONDITIONS[i], 570 + i);
+    }
+    const SphereInclusion inclusion = predicates.sphereInclusionTest(pStartTet, pVtx);
+    engineCheck(inclusion == SIC_INSIDE,
+                "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
 }
 
 /// The point lies in the plane of a facet: finds out whether it lies in the tetrahedron. Returns
