@@ -259,10 +259,12 @@ Verdict decideOnLattice(const Points<Predicate>& points, const Estimate& estimat
     // 2^excess nothing underflows either.
     const int excess = BinaryParts(estimate.permanent).exponent - 1074 + 1;
     const int unit = excess > 0 ? (excess + DEGREE - 1) / DEGREE : excess / DEGREE;
-    // Adding and subtracting this number rounds to a multiple of u, if that changes anything.
-    const double rounder = 1.5 * powerOfTwo(52 + unit);
+    // Adding and subtracting this number rounds to a multiple of u, if that changes anything. The
+    // sign is left out: a sum below the rounder would have finer steps.
+    const double rounder = powerOfTwo(52 + unit);
     const auto isOff = [rounder](double value) {
-        return (value + rounder) - rounder != value ? 1U : 0U;
+        const double size = std::fabs(value);
+        return (size + rounder) - rounder != size ? 1U : 0U;
     };
     unsigned anyOff = 0;
     for (const Point3* p : points.p) anyOff |= isOff(p->x()) | isOff(p->y()) | isOff(p->z());

@@ -132,6 +132,13 @@ inline const std::vector<PredicateInput>& predicateInputs() {
                                 points[0].z() + i * u.z() + j * v.z());
              return points;
          }},
+        {"boxOfHalvesFarBelowZero",
+         [](Random& r) {
+             std::array<std::array<double, 2>, 3> ranges;
+             for (auto& range : ranges)
+                 range = {-3e15 + 0.5 * r.below(8192), -3e15 + 0.5 * r.below(8192)};
+             return boxCorners(r, ranges);
+         }},
         {"boxOfTenths", [](Random& r) { return gridBox(r, 0.1, 60, 0.0); }},
         {"boxOfThirdsFarOff", [](Random& r) { return gridBox(r, 1.0 / 3.0, 5, 1e7); }},
         {"boxBelowUnderflow", [](Random& r) { return gridBox(r, 1e-120, 9, 0.0); }},
