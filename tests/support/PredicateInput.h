@@ -162,8 +162,8 @@ inline const std::vector<PredicateInput>& predicateInputs() {
          [](Random& r) {
              FivePoints points;
              for (VARN3D::Point3& p : points) {
-                 const double x = 1e-162 * r.unit();
-                 const double y = 1e-162 * r.unit();
+                 const double x = 4e-162 * r.unit();
+                 const double y = 4e-162 * r.unit();
                  p.exchange(x, y, 1e12 * r.unit());
              }
              return points;
