@@ -14,9 +14,8 @@ function(varn3d_strict_warnings target)
   endif()
 endfunction()
 
-# Gives a library target the library's sources and the way they must be compiled.
+# Compiles a target made of the library's sources the way they must be compiled.
 function(varn3d_set_up_library target)
-  target_sources(${target} PRIVATE ${VARN3D_SOURCES})
   target_compile_features(${target} PUBLIC cxx_std_17)
   target_include_directories(
     ${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include>)

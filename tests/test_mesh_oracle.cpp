@@ -5,6 +5,7 @@
 
 #include "dt3Library/Varn_3D.h"
 #include "support/CaptureOutput.h"
+#include "support/DigestInputs.h"
 #include "support/MeshDigest.h"
 #include "support/MeshOracle.h"
 #include "support/PointSets.h"
@@ -156,27 +157,8 @@ TEST(MeshOracleDigest, generalPositionHasOneMesh) {
     EXPECT_EQ(recorder.findFault(), "");
 }
 
-// The same value on every compiler, optimisation level and processor.
 TEST(MeshOracleDigest, sameMeshEverywhere) {
-    const struct {
-        const char* name;
-        Points points;
-        std::uint64_t digest;
-    } expected[] = {
-        {"uniform", uniform(2000, 1), 0xdddb27b1fc7dc53fU},
-        {"gaussian", gaussian(1000, 2), 0xcc6012286b582f6fU},
-        {"sphere", sphere(1000, 3), 0x7c333a2cbd9b3ba6U},
-        {"integer sphere", shuffled(integerSphere(861), 4), 0xd790a490835c6915U},
-        {"grid", shuffled(grid(10, 10, 10), 5), 0x891a1691813c2277U},
-        {"tenths", grid(10, 10, 10, 0.1), 0x45893a5d65f7ecd1U},
-        {"lattice", lattice(1000, 9, 9, 9, 6), 0xe2069763d4f440ceU},
-        {"helix", helix(1000), 0xf297708639258d19U},
-        {"skew segments", skewSegments(60), 0x8f4a9237720aa7e5U},
-        {"last bits", uniform(1000, 7, 1.0, 1.0 + 0x1p-47), 0xae5610dde1d6fd73U},
-        {"tiny", uniform(500, 8, -0x1p-1060, 0x1p-1060), 0x5c5da2a47a026062U},
-        {"huge", uniform(500, 9, -0x1p1000, 0x1p1000), 0x8cdef81af356ddccU},
-    };
-    for (const auto& [name, points, digest] : expected) {
+    for (const auto& [name, points, digest] : digestInputs()) {
         Recorder recorder;
         recorder.batch(points);
         EXPECT_EQ(meshDigest(recorder.mesh, recorder.handles), digest) << name;
