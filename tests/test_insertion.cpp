@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <iomanip>
 #include <limits>
@@ -269,6 +270,25 @@ TEST(Insertion, recordsAreUsedAgainFromTheNextInsertionOn) {
         everLive.insert(tets.begin(), tets.end());
     }
     EXPECT_LT(everLive.size(), live.size() + 200);
+}
+
+// Labels count up through the life of the process, and pass 2^31 in a long one.
+TEST(Insertion, meshesAreTheSameWhereLabelsWrapAround) {
+    const Points points = uniform(300, 1);
+    const auto meshFromLabel = [&](std::int32_t firstLabel) {
+        Varn_3D mesh;
+        Points batch = points;
+        outputOf([&] {
+            Tet3::runningLabel = firstLabel;
+            mesh.insert(batch);
+            for (Point3 p : uniform(30, 2, -1.0, 2.0)) mesh.insert(p);
+            EXPECT_TRUE(mesh.checkValidity("wrap", true));
+        });
+        return plainMesh(labelledMesh(mesh, 0));
+    };
+    const PlainMesh expected = meshFromLabel(0);
+    for (const std::int32_t firstLabel : {INT_MAX - 1000, INT_MIN, -1000})
+        EXPECT_TRUE(meshFromLabel(firstLabel) == expected) << firstLabel;
 }
 
 TEST(Insertion, largeFlatInputNeedsNoSearch) {
