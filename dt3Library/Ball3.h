@@ -5,7 +5,8 @@
 
 namespace VARN3D {
 
-/// A ball by its centre and squared radius. A plain value.
+/// A ball by its centre and squared radius. A plain value: each
+/// one is used by one thread at a time, or read by several.
 class VARN3D_EXPORT Ball3 {
   public:
     /// The ball around (x, y, z).

@@ -10,7 +10,8 @@ namespace VARN3D {
 /// An axis-aligned box that grows over the points added to it.
 ///
 /// A new box is empty: its minima are the largest finite double and its maxima the negative of
-/// that. Units are the points'. A plain value; no thread rule beyond that.
+/// that. Units are the points'. A plain value: each one is used by one thread at a time, or
+/// read by several.
 class VARN3D_EXPORT Bbox3 {
   public:
     /// The empty box.

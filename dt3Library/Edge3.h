@@ -11,6 +11,7 @@ namespace VARN3D {
 /// not on it. The edge lies on facet opp3ICI, opposite that facet's corner opp2ICI, and runs from
 /// source to target the way that facet runs counter-clockwise seen from outside; exchanging the two
 /// indices reverses it. A value that owns nothing and means nothing any more once the mesh changes.
+/// It is read, as the mesh is, by several threads at most while nobody inserts.
 class VARN3D_EXPORT Edge3 {
   public:
     /// Indices outside 0..3 throw VarnException.

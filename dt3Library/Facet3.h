@@ -6,7 +6,8 @@
 namespace VARN3D {
 
 /// The handle of a facet: a tetrahedron that has it, and the index of the corner opposite.
-/// A value that owns nothing and means nothing any more once the mesh changes.
+/// A value that owns nothing and means nothing any more once the mesh changes. It is read, as the
+/// mesh is, by several threads at most while nobody inserts.
 class VARN3D_EXPORT Facet3 {
   public:
     /// The facet opposite corner opp3 (0 to 3, not checked).

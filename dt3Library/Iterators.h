@@ -11,7 +11,7 @@ namespace VARN3D {
 /// Around an interior edge it comes back to its first tetrahedron after as many steps as there are
 /// tetrahedra at the edge; at the hull `nextIsNull` becomes true. It carries a payload, a slot for
 /// a tetrahedron and an index that the caller wants to remember. It owns nothing and means nothing
-/// any more once the mesh changes.
+/// any more once the mesh changes. One thread uses it; others may have their own on the same mesh.
 class VARN3D_EXPORT TetAroundEdgeIterator {
   public:
     /// Starts at the tetrahedron through which the edge is named.

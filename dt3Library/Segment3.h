@@ -5,7 +5,8 @@
 
 namespace VARN3D {
 
-/// A segment from a source to a target point. A plain value.
+/// A segment from a source to a target point. A plain value: each
+/// one is used by one thread at a time, or read by several.
 class VARN3D_EXPORT Segment3 {
   public:
     /// Copies both points.

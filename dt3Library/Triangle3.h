@@ -8,7 +8,8 @@
 namespace VARN3D {
 
 /// A triangle of three corners with up to three neighbours, neighbour i opposite corner i (0 to 2).
-/// Owns nothing: corners and neighbours must outlive it.
+/// Owns nothing: corners and neighbours must outlive it. Used by one thread at a time, or read by
+/// several.
 class VARN3D_EXPORT Triangle3 {
   public:
     /// A triangle without neighbours.

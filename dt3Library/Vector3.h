@@ -4,7 +4,8 @@
 
 namespace VARN3D {
 
-/// A direction in space: the difference of two points.
+/// A direction in space: the difference of two points. A plain value: each one is used
+/// by one thread at a time, or read by several.
 class VARN3D_EXPORT Vector3 {
   public:
     /// The null vector.
