@@ -27,26 +27,39 @@ inline void prefetch(std::uintptr_t address) {
 inline void prefetch(std::uintptr_t) {}
 #endif
 
-int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
-    int j = 0;
-    while (j < 3 && MeshAccess::neighbour(tet, j) != neighbour) ++j;
-    return j;
+/// No branch: the index is anybody's guess.
+inline int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
+    return (MeshAccess::neighbour(tet, 1) == neighbour ? 1 : 0) +
+           (MeshAccess::neighbour(tet, 2) == neighbour ? 2 : 0) +
+           (MeshAccess::neighbour(tet, 3) == neighbour ? 3 : 0);
+}
+
+inline std::uintptr_t addressOf(const Point3* p) {
+    return reinterpret_cast<std::uintptr_t>(p);
+}
+
+/// All corners' addresses in one: taking three of them out leaves the fourth.
+inline std::uintptr_t mixedCorners(const Tet3* tet) {
+    return addressOf(MeshAccess::corner(tet, 0)) ^ addressOf(MeshAccess::corner(tet, 1)) ^
+           addressOf(MeshAccess::corner(tet, 2)) ^ addressOf(MeshAccess::corner(tet, 3));
 }
 
 }  // namespace
 
 Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
-    : predicates(geomTest), tets(recycler) {
+    : predicates(geomTest),
+      tets(recycler),
+      evaluateFacets(bPortableKernel ? testFacetsOneByOne : fastestFacetSphereKernel()) {
     rows.resize(256);
+    vertices.resize(256);
+    boundary.resize(256);
     stack.reserve(256);
-    boundary.reserve(256);
 }
 
 void Cavity::begin(Point3* p) {
     newVertex = p;
     numRows = 0;
     maxX = maxY = maxZ = maxLift = 0.0;
-    gluing.begin();
     tets.swapLists();
 }
 
@@ -56,7 +69,7 @@ inline int Cavity::numberOf(Point3* vertex) {
     const int number = MeshAccess::cavityNumber(vertex);
     // A number left by another insertion names another vertex or none.
     if (static_cast<unsigned>(number) < static_cast<unsigned>(numRows) &&
-        rows[static_cast<std::size_t>(number)].vertex == vertex)
+        vertexOf(number) == vertex)
         return number;
     return addRow(vertex);
 }
@@ -66,10 +79,14 @@ int Cavity::addRow(Point3* vertex) {
     const double y = vertex->y() - newVertex->y();
     const double z = vertex->z() - newVertex->z();
     const double lift = x * x + y * y + z * z;
-    const int number = numRows++;
-    if (static_cast<std::size_t>(numRows) > rows.size()) rows.resize(2 * rows.size());
-    rows[static_cast<std::size_t>(number)] = {x, y, z, lift, vertex};
-    MeshAccess::cavityNumber(vertex) = number;
+    const auto place = static_cast<std::size_t>(numRows);
+    if (place == rows.size()) {
+        rows.resize(2 * rows.size());
+        vertices.resize(rows.size());
+    }
+    rows[place] = {x, y, z, lift};
+    vertices[place] = vertex;
+    MeshAccess::cavityNumber(vertex) = numRows;
     const double sizeX = std::fabs(x);
     const double sizeY = std::fabs(y);
     const double sizeZ = std::fabs(z);
@@ -77,7 +94,7 @@ int Cavity::addRow(Point3* vertex) {
     maxY = maxY < sizeY ? sizeY : maxY;
     maxZ = maxZ < sizeZ ? sizeZ : maxZ;
     maxLift = maxLift < lift ? lift : maxLift;
-    return number;
+    return numRows++;
 }
 
 /// The determinants below are Shewchuk's first stage, so his bounds hold with every term of the
@@ -99,50 +116,22 @@ void Cavity::updateBounds() {
     sphereBound = 32.0 * constants.isperrboundA * volume * maxLift + UNDERFLOW_GUARD;
 }
 
-inline Cavity::SphereTest Cavity::evaluate(const Row& a, const Row& b, const Row& c, const Row& d) {
+inline SphereTest Cavity::evaluate(Tet3* tet) {
     VARN3D_COUNT(sphereTests, 1);
-    const double ab = a.x * b.y - b.x * a.y;
-    const double bc = b.x * c.y - c.x * b.y;
-    const double cd = c.x * d.y - d.x * c.y;
-    const double da = d.x * a.y - a.x * d.y;
-    const double ac = a.x * c.y - c.x * a.y;
-    const double bd = b.x * d.y - d.x * b.y;
-    const double abc = a.z * bc - b.z * ac + c.z * ab;
-    const double bcd = b.z * cd - c.z * bd + d.z * bc;
-    const double cda = c.z * da + d.z * ac + a.z * cd;
-    const double dab = d.z * ab + a.z * bd + b.z * da;
-    return {(d.lift * abc - c.lift * dab) + (b.lift * cda - a.lift * bcd), {bcd, -cda, dab, -abc}};
-}
-
-inline Cavity::SphereTest Cavity::evaluate(Tet3* tet, int number[4]) {
+    const int rowsBefore = numRows;
+    int number[4];
     for (int i = 0; i < 4; ++i) number[i] = numberOf(MeshAccess::corner(tet, i));
-    const Row* row = rows.data();
-    return evaluate(row[number[0]], row[number[1]], row[number[2]], row[number[3]]);
-}
-
-/// The number of the one corner of a neighbour that is not on the facet with these numbers: the
-/// addresses of all others cancel out.
-inline int Cavity::numberBeyondFacet(const Tet3* neighbour, const int facet[3]) {
-    const auto address = [](const Point3* p) { return reinterpret_cast<std::uintptr_t>(p); };
-    std::uintptr_t beyond = 0;
-    for (int i = 0; i < 4; ++i) beyond ^= address(MeshAccess::corner(neighbour, i));
-    const Row* row = rows.data();
-    for (int i = 0; i < 3; ++i) beyond ^= address(row[facet[i]].vertex);
-    return numberOf(reinterpret_cast<Point3*>(beyond));
-}
-
-inline bool Cavity::isInConflict(Tet3* tet, const SphereTest& test) {
-    if (test.determinant > sphereBound) return false;
-    if (test.determinant < -sphereBound) return true;
-    VARN3D_COUNT(sphereTestsBeyondBound, 1);
-    return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
+    if (numRows != rowsBefore) updateBounds();
+    return evaluateSphereTest(*rowOf(number[0]), *rowOf(number[1]), *rowOf(number[2]),
+                              *rowOf(number[3]));
 }
 
 inline bool Cavity::isInConflict(Tet3* tet) {
-    int number[4];
-    const SphereTest test = evaluate(tet, number);
-    updateBounds();
-    return isInConflict(tet, test);
+    const double determinant = evaluate(tet).determinant;
+    if (determinant > sphereBound) return false;
+    if (determinant < -sphereBound) return true;
+    VARN3D_COUNT(sphereTestsBeyondBound, 1);
+    return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
 }
 
 inline void Cavity::doom(Tet3* tet) {
@@ -168,13 +157,12 @@ Tet3* Cavity::refillFrom(Tet3* start) {
 }
 
 void Cavity::growRegionAndBoundary(Tet3* start) {
-    boundary.clear();
+    numBoundary = 0;
     stack.clear();
-    int number[4];
-    const SphereTest test = evaluate(start, number);
-    updateBounds();
+    engineCheck(isInConflict(start), "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE",
+                574);
     doom(start);
-    pushDoomed(start, number, test.orientation);
+    pushDoomed(start);
     while (!stack.empty()) {
         const Doomed current = stack.back();
         stack.pop_back();
@@ -182,82 +170,113 @@ void Cavity::growRegionAndBoundary(Tet3* start) {
     }
 }
 
-inline void Cavity::pushDoomed(Tet3* tet, const int number[4], const double orientation[4]) {
-    stack.push_back({tet,
-                     {number[0], number[1], number[2], number[3]},
-                     {orientation[0], orientation[1], orientation[2], orientation[3]}});
+/// All corners must have been met.
+inline void Cavity::pushDoomed(Tet3* tet) {
+    Doomed doomed{tet, {}};
+    for (int i = 0; i < 4; ++i)
+        doomed.number[i] = MeshAccess::cavityNumber(MeshAccess::corner(tet, i));
+    stack.push_back(doomed);
 }
 
-/// Evaluates the tests of all neighbours before it decides any: the evaluations don't depend on
-/// each other, and their memory accesses overlap.
+/// Evaluates the tests of all four neighbours before it decides any, also of those that need none:
+/// their number is hard to predict, and a processor that guesses it wrongly loses more time.
 inline void Cavity::visitNeighbours(const Doomed& current) {
-    struct Candidate {
-        Tet3* tet;
-        int number[4];  // the corner beyond the facet, then the facet's, seen from the neighbour
-        SphereTest test;
-    };
-    Candidate candidates[4];
+    const std::uintptr_t mixed = mixedCorners(current.tet);
     const int rowsBefore = numRows;
+    Tet3* neighbours[4];
+    int beyond[4];
+    unsigned inRegion = 0;
+    unsigned onHull = 0;
     for (int i = 3; i >= 0; --i) {
         Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
-        Candidate& candidate = candidates[i];
-        candidate.tet = neighbour;
-        if (neighbour == nullptr || MeshAccess::visited(neighbour)) continue;
-        const int facet[3] = {current.number[INNER_FACET[i][0]], current.number[INNER_FACET[i][2]],
-                              current.number[INNER_FACET[i][1]]};
-        candidate.number[0] = numberBeyondFacet(neighbour, facet);
-        for (int k = 0; k < 3; ++k) candidate.number[k + 1] = facet[k];
-        const Row* row = rows.data();
-        candidate.test =
-            evaluate(row[candidate.number[0]], row[facet[0]], row[facet[1]], row[facet[2]]);
+        neighbours[i] = neighbour;
+        beyond[i] = current.number[i];
+        if (neighbour == nullptr) {
+            onHull |= 1U << i;
+            continue;
+        }
+        inRegion |= (MeshAccess::visited(neighbour) ? 1U : 0U) << i;
+        const std::uintptr_t facet = mixed ^ addressOf(MeshAccess::corner(current.tet, i));
+        beyond[i] = numberOf(reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet));
     }
     if (numRows != rowsBefore) updateBounds();
+
+    const SphereRow* const cornerRows[4] = {rowOf(current.number[0]), rowOf(current.number[1]),
+                                            rowOf(current.number[2]), rowOf(current.number[3])};
+    const SphereRow* const beyondRows[4] = {rowOf(beyond[0]), rowOf(beyond[1]), rowOf(beyond[2]),
+                                            rowOf(beyond[3])};
+    FacetSphereTests tests;
+    evaluateFacets(cornerRows, beyondRows, ~inRegion, tests);
+
+    const unsigned conflicts =
+        decideConflicts(current.tet, ~(inRegion | onHull) & 15U, tests.conflict);
+
+    // Writes every facet, and keeps those that belong to the boundary.
+    if (numBoundary + 4 > boundary.size()) boundary.resize(2 * boundary.size());
+    BoundaryFacet* end = boundary.data() + numBoundary;
+    const unsigned inner = inRegion | conflicts;
     for (int i = 3; i >= 0; --i) {
-        const Candidate& candidate = candidates[i];
-        Tet3* neighbour = candidate.tet;
-        if (neighbour != nullptr) {
-            if (MeshAccess::visited(neighbour)) continue;
-            if (isInConflict(neighbour, candidate.test)) {
-                doom(neighbour);
-                int number[4];
-                double orientation[4];
-                for (int k = 0; k < 4; ++k) {
-                    const Tet3* next = MeshAccess::neighbour(neighbour, k);
-                    prefetch(reinterpret_cast<std::uintptr_t>(next));
-                    prefetch(reinterpret_cast<std::uintptr_t>(next) + 64);
-                    const int own = MeshAccess::cavityNumber(MeshAccess::corner(neighbour, k));
-                    int place = 0;
-                    for (int m = 1; m < 4; ++m) place = own == candidate.number[m] ? m : place;
-                    number[k] = own;
-                    orientation[k] = candidate.test.orientation[place];
-                }
-                pushDoomed(neighbour, number, orientation);
-                continue;
-            }
+        const int* corners = INNER_FACET[i];
+        *end = {
+            current.tet,
+            neighbours[i],
+            tests.orientation[i],
+            {current.number[corners[0]], current.number[corners[1]], current.number[corners[2]]},
+            i};
+        end += ~inner >> i & 1U;
+    }
+    numBoundary = static_cast<std::size_t>(end - boundary.data());
+
+    for (int i = 3; i >= 0; --i) {
+        if ((conflicts >> i & 1U) == 0) continue;
+        Tet3* neighbour = neighbours[i];
+        for (int k = 0; k < 4; ++k) {
+            const auto next = reinterpret_cast<std::uintptr_t>(MeshAccess::neighbour(neighbour, k));
+            prefetch(next);
+            prefetch(next + 64);
         }
-        boundary.push_back({current.tet, neighbour, current.orientation[i], i});
+        doom(neighbour);
+        pushDoomed(neighbour);
     }
 }
 
-/// A new tetrahedron of p and three other vertices, without check.
-inline Tet3* Cavity::newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d) {
-    VARN3D_COUNT(created, 1);
-    Tet3* tet = tets.take();
-    MeshAccess::fill(tet, label, newVertex, b, c, d);
-    gluing.add(tet, numberOf(b), numberOf(c), numberOf(d));
-    return tet;
+/// Which of the candidates, given as bits by facet, are in conflict.
+inline unsigned Cavity::decideConflicts(const Tet3* tet, unsigned candidates,
+                                        const double conflict[4]) const {
+    unsigned inside = 0;
+    unsigned outside = 0;
+    for (int i = 0; i < 4; ++i) {
+        inside |= (conflict[i] < -sphereBound ? 1U : 0U) << i;
+        outside |= (conflict[i] > sphereBound ? 1U : 0U) << i;
+    }
+    inside &= candidates;
+    VARN3D_COUNT(sphereTests, (candidates & 1U) + (candidates >> 1 & 1U) + (candidates >> 2 & 1U) +
+                                  (candidates >> 3));
+    const unsigned undecided = candidates & ~(inside | outside);
+    if (undecided == 0) return inside;
+    for (int i = 0; i < 4; ++i) {
+        if ((undecided >> i & 1U) == 0) continue;
+        VARN3D_COUNT(sphereTestsBeyondBound, 1);
+        if (predicates.sphereInclusionTest(MeshAccess::neighbour(tet, i), newVertex) != SIC_OUTSIDE)
+            inside |= 1U << i;
+    }
+    return inside;
 }
 
 Tet3* Cavity::fillBoundary() {
-    std::uint32_t label = MeshAccess::reserveLabels(boundary.size());
+    gluing.begin(static_cast<std::size_t>(numRows));
+    std::uint32_t label = MeshAccess::reserveLabels(numBoundary);
     Tet3* last = nullptr;
-    for (const BoundaryFacet& facet : boundary) {
-        const int* corners = INNER_FACET[facet.ith];
-        Point3* b = MeshAccess::corner(facet.inner, corners[0]);
-        Point3* c = MeshAccess::corner(facet.inner, corners[1]);
-        Point3* d = MeshAccess::corner(facet.inner, corners[2]);
+    for (std::size_t i = 0; i < numBoundary; ++i) {
+        const BoundaryFacet& facet = boundary[i];
+        Point3* b = vertexOf(facet.number[0]);
+        Point3* c = vertexOf(facet.number[1]);
+        Point3* d = vertexOf(facet.number[2]);
         if (!(facet.orientation > orientationBound)) checkOrientation(newVertex, b, c, d);
-        last = newTet(label++, b, c, d);
+        VARN3D_COUNT(created, 1);
+        last = tets.take();
+        MeshAccess::fill(last, label++, newVertex, b, c, d);
+        gluing.add(last, facet.number[0], facet.number[1], facet.number[2]);
         if (facet.outer != nullptr)
             registerTets(last, 0, facet.outer, indexOfNeighbour(facet.outer, facet.inner));
     }
@@ -289,6 +308,8 @@ void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying
             pending.push_back(neighbour);
         }
     }
+    // Every vertex of a new tetrahedron has been met by now.
+    gluing.begin(static_cast<std::size_t>(numRows));
 }
 
 Tet3* Cavity::fanOverHull(const std::vector<Tet3*>& vStaying) {
@@ -341,8 +362,17 @@ Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
 
 // ---- Creation and linking ----------------------------------------------------------------------
 
+/// A new tetrahedron of p and three other vertices, without check.
+Tet3* Cavity::newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d) {
+    VARN3D_COUNT(created, 1);
+    Tet3* tet = tets.take();
+    MeshAccess::fill(tet, label, newVertex, b, c, d);
+    gluing.add(tet, numberOf(b), numberOf(c), numberOf(d));
+    return tet;
+}
+
 std::size_t Cavity::glue() {
-    return gluing.glue(static_cast<std::size_t>(numRows));
+    return gluing.glue();
 }
 
 void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "dt3Library/FacetGluing.h"
+#include "dt3Library/FacetSphereTests.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/TetRecycler.h"
 
@@ -56,56 +57,52 @@ class Cavity {
 
     static void registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth);
 
+    /// For tests: cavities made from now on evaluate their sphere tests by the portable kernel. The
+    /// mesh does not depend on it.
+    static inline bool bPortableKernel = false;
+
   private:
-    /// A vertex met by this insertion, seen from p: the row of the sphere test's determinant.
-    struct Row {
-        double x, y, z, lift;
-        Point3* vertex;
-    };
-    /// What the sphere test of a tetrahedron yields on the way: `orientation[i]` is the determinant
-    /// of p and facet i, positive where p lies on the inner side.
-    struct SphereTest {
-        double determinant;
-        double orientation[4];
-    };
     /// A tetrahedron of the region whose neighbours are still to be visited, with the cavity
     /// numbers of its corners.
     struct Doomed {
         Tet3* tet;
         int number[4];
-        double orientation[4];
     };
     /// A facet of the region's boundary: facet `ith` of `inner`, whose other side is `outer` (null
-    /// on the hull).
+    /// on the hull), with the cavity numbers of its vertices as the new tetrahedron takes them.
     struct BoundaryFacet {
         Tet3* inner;
         Tet3* outer;
         double orientation;
+        int number[3];
         int ith;
     };
 
     int numberOf(Point3* vertex);
     int addRow(Point3* vertex);
-    static SphereTest evaluate(const Row& a, const Row& b, const Row& c, const Row& d);
-    SphereTest evaluate(Tet3* tet, int number[4]);
-    int numberBeyondFacet(const Tet3* neighbour, const int facet[3]);
-    bool isInConflict(Tet3* tet, const SphereTest& test);
+    Point3* vertexOf(int number) const { return vertices[static_cast<std::size_t>(number)]; }
+    const SphereRow* rowOf(int number) const { return rows.data() + number; }
+    SphereTest evaluate(Tet3* tet);
     bool isInConflict(Tet3* tet);
+    unsigned decideConflicts(const Tet3* tet, unsigned candidates, const double conflict[4]) const;
     void updateBounds();
     void doom(Tet3* tet);
+    void pushDoomed(Tet3* tet);
     void growRegionAndBoundary(Tet3* start);
     void visitNeighbours(const Doomed& current);
-    void pushDoomed(Tet3* tet, const int number[4], const double orientation[4]);
     Tet3* fillBoundary();
     void checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const;
     Tet3* newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d);
 
     const GeomTest3& predicates;
     TetRecycler& tets;
+    const FacetSphereKernel evaluateFacets;
     FacetGluing gluing;
 
     Point3* newVertex = nullptr;
-    std::vector<Row> rows;
+    /// The vertices met by this insertion, seen from p, by their cavity numbers.
+    std::vector<SphereRow> rows;
+    std::vector<Point3*> vertices;
     int numRows = 0;
     double maxX = 0.0;
     double maxY = 0.0;
@@ -116,7 +113,9 @@ class Cavity {
     double orientationBound = 0.0;
 
     std::vector<Doomed> stack;
+    /// The first numBoundary count, and there is always room for four more.
     std::vector<BoundaryFacet> boundary;
+    std::size_t numBoundary = 0;
 };
 
 }  // namespace VARN3D
