@@ -33,7 +33,7 @@ Tet3::Tet3() : label(takeLabel()) {
     std::cout << "Tet default constructor (is actually not called)" << std::endl;
 }
 
-Tet3::Tet3(const Tet3& /*other*/) : label(0) {
+Tet3::Tet3(const Tet3& /*other*/) {
     std::cout << "CCTOR of Tet3" << std::endl;
 }
 

@@ -119,7 +119,7 @@ class VARN3D_EXPORT Tet3 {
     [[noreturn]] static void failRange03(int ith);
 
     bool hasBeenVisited = false;
-    std::int32_t label;
+    std::int32_t label = 0;
     Point3* aVertexPointer[4] = {};
     Tet3* aOppTets[4] = {};
     std::int32_t customIndex = -1;

@@ -33,6 +33,7 @@ int main() {
         {"Elm", 4, 1, 2}, {"Ash", 0, 0, 0}, {"Oak", 5, 5, 1}, {"Fir", 1, 6, 3}, {"Yew", 3, 3, 9}};
 
     std::vector<Point3> points;
+    points.reserve(stations.size());
     for (const Station& s : stations) points.emplace_back(s.longitude, s.latitude, s.height);
 
     Varn_3D mesh;

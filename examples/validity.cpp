@@ -25,6 +25,7 @@ using namespace VARN3D;
 int main() {
     // A grid: all its cells have eight corners on one sphere, and the library doesn't mind.
     std::vector<Point3> points;
+    points.reserve(27);
     for (int i = 0; i < 27; ++i) points.emplace_back(i % 3, i / 3 % 3, i / 9);
 
     Varn_3D mesh;

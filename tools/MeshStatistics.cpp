@@ -161,7 +161,8 @@ void MeshStatistics::addDegrees(const std::vector<Tet3*>& tets) {
     // the vertex is on the hull; Euler's formula turns their number into that of its vertices.
     for (const auto& [vertex, star] : stars) {
         const std::uint64_t constant = star.numHullFacets == 0 ? 4 : 2;
-        degrees.add(static_cast<double>((star.numTets + star.numHullFacets + constant) / 2));
+        const std::uint64_t degree = (star.numTets + star.numHullFacets + constant) / 2;
+        degrees.add(static_cast<double>(degree));
     }
 }
 
