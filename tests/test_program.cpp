@@ -240,6 +240,7 @@ TEST_F(Program, refusesWhatCannotWork) {
     expectRefused("u.xyz --clip x=1", 2, "--clip needs --vtk, --medit or --tetgen");
     expectRefused("u.xyz --vtk o.vtk --clip x=1,5", 2,
                   "--clip: \"x=1,5\" is not like x=0.5, x<0.5 or x>0.5");
+    expectRefused("u.xyz --vtk -", 2, "- names standard input, not a file to write");
     expectRefused("u.xyz --vtk u.xyz", 2, "u.xyz: named twice");
     expectRefused("u.xyz --vtk ./o --medit o", 2, "o: named twice");
     expectRefused("u.xyz --vtk o.vtu", 2,

@@ -106,6 +106,12 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     if (!clips.empty() && options.vtk.empty() && options.medit.empty() && tetgen.empty()) {
         throw InputError("--clip needs --vtk, --medit or --tetgen");
     }
+    for (const std::string& name :
+         {options.vtk, options.medit, options.geomview, options.duplicates, tetgen}) {
+        if (name == "-") {
+            throw InputError("- names standard input, not a file to write");
+        }
+    }
     if (std::filesystem::path(options.vtk).extension() == ".vtu") {
         throw InputError(options.vtk,
                          "the grid is in VTK's legacy format, whose files end in .vtk");

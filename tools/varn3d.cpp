@@ -71,7 +71,7 @@ class Program {
 };
 
 ExitCode Program::run() {
-    progress.begin("reading " + options.input);
+    progress.begin("reading " + (options.input == "-" ? "standard input" : options.input));
     points = readPointFile(options.input, options.format);
     numPoints = points.size();
     if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
