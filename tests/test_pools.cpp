@@ -34,6 +34,11 @@ struct Large {
     char bytes[1000000];
 };
 
+/// Of which further blocks all have the same size.
+struct Steady {
+    char byte;
+};
+
 /// One fits into memory, a further block doesn't.
 struct Hungry {
     char bytes[1 << 20];
@@ -59,9 +64,10 @@ std::string lackOfMemory(const std::string& message) {
 
 }  // namespace
 
-/// The library's own constants for this type: further blocks all have the same size.
-struct VARN3D::TwoTetStruct {
-    char bytes[32];
+template <>
+struct VARN3D::SimplePoolTraits<Steady> {
+    static constexpr std::int32_t initialSize = 8;
+    static constexpr std::int32_t increase = 3;
 };
 
 template <>
@@ -104,7 +110,6 @@ TEST(SimplePool, BlocksGrowByTheRule) {
 }
 
 TEST(SimplePool, LibraryRecordsHaveTheirBlockSizes) {
-    EXPECT_EQ(sizesOf<TwoTetStruct>(5), (Sizes{1024, 512, 512, 512, 512}));
     Sizes tets{28};
     for (std::int32_t size = 14; size <= 917504; size *= 2) tets.push_back(size);
     tets.insert(tets.end(), {1250000, 1250000});
@@ -116,6 +121,7 @@ TEST(SimplePool, LibraryRecordsHaveTheirBlockSizes) {
 }
 
 TEST(SimplePool, BlocksStopGrowingAtTheirLargestSize) {
+    EXPECT_EQ(sizesOf<Steady>(4), (Sizes{8, 3, 3, 3}));
     EXPECT_EQ(sizesOf<Large>(10), (Sizes{4, 2, 4, 8, 16, 32, 64, 100, 100, 100}));
 }
 
@@ -177,7 +183,7 @@ TEST(SimplePool, LackOfMemoryLeavesItAsItWas) {
 
 TEST(SimplePool, ManyBlocksAreReportedAtTheEnd) {
     const auto outputWith = [](std::size_t numBlocks) {
-        return outputOf([numBlocks] { sizesOf<TwoTetStruct>(numBlocks); });
+        return outputOf([numBlocks] { sizesOf<Steady>(numBlocks); });
     };
     EXPECT_EQ(outputWith(50), "");
     EXPECT_EQ(outputWith(51), "SimplePool::~SimplePool: Number of containers to release: 51\n");

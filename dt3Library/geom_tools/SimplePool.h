@@ -14,7 +14,6 @@
 namespace VARN3D {
 
 class Tet3;
-struct TwoTetStruct;
 
 /// As the size of a further block: the growth rule of `SimplePool` chooses it.
 constexpr std::int32_t poolGrowthRule = -1;
@@ -30,13 +29,6 @@ template <>
 struct SimplePoolTraits<Tet3> {
     static constexpr std::int32_t initialSize = 28;
     static constexpr std::int32_t increase = poolGrowthRule;
-};
-
-/// Holds the records of one insertion only, so it needs no growth.
-template <>
-struct SimplePoolTraits<TwoTetStruct> {
-    static constexpr std::int32_t initialSize = 1024;
-    static constexpr std::int32_t increase = 512;
 };
 
 /// Hands out slots for objects of type T from a few large blocks, and drops them all at once.
