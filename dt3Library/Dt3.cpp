@@ -68,8 +68,9 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
     if (!spansSpace(vNew)) return;
     Tet3* first = startUp();
     if (first == nullptr) return;
-    if (store.getNumVertices() != n) {
-        // Earlier calls left vertices waiting, or some points were equal.
+    // Earlier calls may have left vertices waiting, and some points may be equal; both at once can
+    // leave as many vertices as points.
+    if (vNew.size() != n || store.getNumVertices() != n) {
         vNew.clear();
         store.getVertices(vNew);
     }

@@ -28,47 +28,6 @@ const std::string EMPTY_LIST = "Attention: triangulate has got an empty vector\n
 const std::string NOT_IN_MESH =
     "\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n";
 
-TEST(Insertion, handlesBelongToTheirPointsForGood) {
-    Varn_3D mesh;
-    Points all;
-    std::vector<Point3*> handles;
-    for (std::uint64_t round = 0; round < 8; ++round) {
-        Points points = lattice(200, 9, 9, 9, round);
-        std::vector<Point3*> found;
-        outputOf([&] { mesh.insert(points, found); });
-        Point3 single = points[round];
-        EXPECT_EQ(mesh.insert(single), found[round]);
-        all = std::move(all) + points;
-        handles.insert(handles.end(), found.begin(), found.end());
-        for (std::size_t i = 0; i < all.size(); ++i) ASSERT_EQ(*handles[i], all[i]);
-        for (const Point3* v : handles) EXPECT_NE(v->getOneTet(), nullptr);
-    }
-    std::set<Coordinates> distinct;
-    for (const Point3& p : all) distinct.insert(coordinatesOf(p));
-    EXPECT_EQ(std::set<Point3*>(handles.begin(), handles.end()).size(), distinct.size());
-}
-
-TEST(Insertion, theFourthSingleOffThePlaneMakesTheFirstTetrahedron) {
-    Varn_3D mesh;
-    const std::string output = outputOf([&] {
-        for (Point3 p : Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}) {
-            mesh.insert(p);
-            EXPECT_FALSE(mesh.is3D());
-        }
-        Point3 top(0, 0, 1);
-        mesh.insert(top);
-    });
-    EXPECT_TRUE(mesh.is3D());
-    EXPECT_EQ(output, "");
-    std::vector<Point3*> vertices;
-    mesh.getVertices(vertices);
-    for (Point3* v : vertices) {
-        std::vector<Tet3*> star;
-        mesh.getTetsAroundVertex(v, star);
-        EXPECT_EQ(star.size(), 1U);
-    }
-}
-
 TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     Varn_3D mesh;
     Points points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 0, 1}};
@@ -94,22 +53,6 @@ TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     EXPECT_EQ(findMeshFault(mesh, points, handles, 0), "");
 }
 
-TEST(Insertion, aBatchTakesAllWaitingVerticesIn) {
-    Varn_3D mesh;
-    Points flat = grid(4, 4, 1);
-    Points apex = {{1, 1, 5}};
-    std::vector<Point3*> handles;
-    std::vector<Point3*> apexHandle;
-    EXPECT_EQ(outputOf([&] {
-                  mesh.insert(flat, handles);
-                  EXPECT_FALSE(mesh.is3D());
-                  mesh.insert(apex, apexHandle);
-              }),
-              "numPoints=16\nnumPoints=1\n");
-    handles.push_back(apexHandle.front());
-    EXPECT_EQ(findMeshFault(mesh, flat + apex, handles, 0), "");
-}
-
 TEST(Insertion, messages) {
     Varn_3D mesh;
     Points none;
@@ -133,8 +76,11 @@ TEST(Insertion, messages) {
     mesh.setVerbosity(false);
     EXPECT_EQ(outputOf([&] { mesh.insert(none, handles); }), "numPoints=0\n");
 
-    Points rest = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
-    outputOf([&] { mesh.insert(rest, handles); });
+    EXPECT_EQ(outputOf([&] {
+                  for (Point3 p : Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}) mesh.insert(p);
+              }),
+              "");
+    EXPECT_TRUE(mesh.is3D());
     tets.push_back(nullptr);
     EXPECT_THAT(outputOf([&] { EXPECT_THROW(mesh.getTetrahedra(tets), VarnException); }),
                 testing::StartsWith("\n      Varn, , ERROR: Condition [ vTet.empty() failed ]\n\n"
@@ -309,6 +255,22 @@ TEST(Insertion, largeFlatInputNeedsNoSearch) {
     Point3 apex(0, 0, 1);
     EXPECT_EQ(outputOf([&] { singles.insert(apex); }), EMPTY_LIST);
     EXPECT_TRUE(singles.is3D());
+}
+
+// One vertex waits and one point of the batch is a repetition: as many vertices as points.
+TEST(Insertion, batchTakesInAWaitingVertexThatARepetitionHides) {
+    Varn_3D mesh;
+    std::vector<Point3*> handles;
+    outputOf([&] {
+        Point3 first(5, 5, 5);
+        handles.push_back(mesh.insert(first));
+        std::vector<Point3> batch{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}};
+        std::vector<Point3*> batchHandles;
+        mesh.insert(batch, batchHandles);
+        handles.insert(handles.end(), batchHandles.begin(), batchHandles.end());
+    });
+    ASSERT_TRUE(mesh.is3D());
+    for (const Point3* handle : handles) EXPECT_NE(handle->getOneTet(), nullptr);
 }
 
 }  // namespace

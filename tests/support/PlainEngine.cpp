@@ -148,7 +148,10 @@ std::vector<int> PlainEngine::insert(const std::vector<Point3>& input) {
     }
     const int first = startUp();
     if (first != NONE)
-        triangulate(points.size() != input.size() ? listVertices() : newVertices, first);
+        triangulate(newVertices.size() != input.size() || points.size() != input.size()
+                        ? listVertices()
+                        : newVertices,
+                    first);
     return handles;
 }
 
