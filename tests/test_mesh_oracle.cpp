@@ -139,24 +139,6 @@ TEST_P(MeshOracle, degenerateLadder) {
     }
 }
 
-// In general position the mesh is a property of the points, however they come; `findFault` proves
-// the rest.
-TEST(MeshOracleDigest, generalPositionHasOneMesh) {
-    const Points points = gaussian(60, 20);
-    const Points orders[] = {points, reversed(points), shuffled(points, 21)};
-    std::set<PlainMesh> meshes;
-    for (const Points& order : orders)
-        for (const Mode insert : {MODES[0].insert, MODES[3].insert, MODES[4].insert}) {
-            Recorder recorder;
-            insert(recorder, order);
-            meshes.insert(plainMesh(labelledMesh(recorder.mesh, 0)));
-        }
-    EXPECT_EQ(meshes.size(), 1U);
-    Recorder recorder;
-    recorder.batch(points);
-    EXPECT_EQ(recorder.findFault(), "");
-}
-
 TEST(MeshOracleDigest, sameMeshEverywhere) {
     for (const auto& [name, points, digest] : digestInputs()) {
         Recorder recorder;

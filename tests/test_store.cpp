@@ -160,23 +160,6 @@ TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrder) {
     }
 }
 
-TEST(Store, singleInsertionsFindWhatBatchesStored) {
-    Store store;
-    const Points points = lattice(200, 5, 5, 5, 1);
-    store.insert(points);
-    const std::size_t numVertices = store.hc3.getNumVertices();
-    for (std::size_t i = 0; i < points.size(); ++i)
-        EXPECT_EQ(store.hc3.insertOne(points[i]).first, store.handles[i]);
-    EXPECT_EQ(store.hc3.insertOne({-0.0, 0, 0}).first, store.hc3.insertOne({0, -0.0, 0}).first);
-    EXPECT_LE(store.hc3.getNumVertices(), numVertices + 1);
-    Point3* fresh = store.hc3.insertOne({9, 9, 9}).first;
-    EXPECT_EQ(*fresh, Point3(9, 9, 9));
-    EXPECT_EQ(fresh->getOneTet(), nullptr);
-    store.insert({{9, 9, 9}});
-    EXPECT_EQ(store.handles.front(), fresh);
-    EXPECT_TRUE(store.added.empty());
-}
-
 TEST(Store, aStartTetrahedronIsFoundWhereverItIs) {
     Tet3 tet;
     for (const std::size_t owner : {0U, 57U, 199U}) {

@@ -138,12 +138,6 @@ TEST_F(Validity, soundMeshesPass) {
     EXPECT_EQ(check(false, true), head(2, false) + PASSED);
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(engine.checkValidity("here", false, true)); }),
               head(2, true) + PASSED);
-    Dt3 cospherical(nullptr);
-    std::vector<Point3*> gridHandles;
-    outputOf([&] {
-        cospherical.insert(grid(4, 4, 4), gridHandles);
-        EXPECT_TRUE(cospherical.checkValidity("grid", true, true));
-    });
     const Dt3 empty(nullptr);
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true, true)); }),
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);

@@ -70,19 +70,6 @@ TEST(Visualizer3, ShapesByteForByte) {
                   "}\n");
 }
 
-TEST(Visualizer3, TetrahedronIsFourTriangles) {
-    Point3 p[4] = {{0, 0, 0}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}};
-    Tet3* tet = nullptr;
-    outputOf([&] { tet = new Tet3(); });
-    tet->setProperties(&p[0], &p[1], &p[2], &p[3]);
-    EXPECT_EQ(written([&](Visualizer3& v) { v.writeTet(tet, "red"); }).file,
-              "LIST\n{\n" + triangleText("1 1 1\n2 2 2\n3 3 3\n", "red") +
-                  triangleText("0 0 0\n2 2 2\n3 3 3\n", "red") +
-                  triangleText("0 0 0\n1 1 1\n3 3 3\n", "red") +
-                  triangleText("0 0 0\n1 1 1\n2 2 2\n", "red") + "}\n");
-    delete tet;
-}
-
 TEST(Visualizer3, FirstFourteenColoursTakeTurns) {
     for (int turn = 0; turn < 2; ++turn)
         for (int i = 0; i < 14; ++i) {
@@ -92,19 +79,6 @@ TEST(Visualizer3, FirstFourteenColoursTakeTurns) {
     EXPECT_EQ(Visualizer3::getColorAt(13), "1 1 1 0.5");
     EXPECT_EQ(outputOf([] { EXPECT_EQ(Visualizer3::getColorAt(14), "1 1 1 0.5"); }),
               "Attention, returning colorArray[13] which is the last available color\n");
-}
-
-TEST(Visualizer3, Palette) {
-    std::string palette;
-    for (const char* color : Visualizer3::colorArray) palette += std::string(color) + '|';
-    EXPECT_EQ(palette,
-              "0 0.749 1 0.5|0 0.1 .803 0.5|1 1 0 0.5|1 0.411 0.705 0.5|0.1 0.1 0.1 0.5|"
-              "0.823 0.705 0.549 0.5|0.545 0.271 0.074 0.5|1 0.627 0 0.5|0.627 0.125 0.941 0.5|"
-              ".745 .745 .745 0.5|.445 .445 .445 0.5|1 0 0 0.5|0 1 0 0.5|1 1 1 0.5|"
-              ".86 .08 .24 0.5|1 .55 0 0.5|.85 .65 .13 0.5|.5 .5 .0 0.5|0.49\t0.99 0.00 0.5|"
-              "0.68 1.00 0.18 0.5|0.60\t0.98 0.60 0.5|0.00 0.98 0.60 0.5|0.13 0.70 0.67 0.5|"
-              "0.00 1.00 1.00 0.5|0.27 0.51 0.71 0.5|0.10 0.10 0.44 0.5|0.96 0.87 0.7 0.5|");
-    EXPECT_EQ(MIDNIGHTBLUE, 25);
 }
 
 TEST(Visualizer3, NumbersHaveAPointInEveryLocale) {
