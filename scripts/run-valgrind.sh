@@ -1,0 +1,19 @@
+#!/bin/sh
+# Runs the program varn3d under valgrind on the shipped scan, with the check of the mesh and every
+# writer; an invalid access, a use of an uninitialised value or a leak is an error. Installs what is
+# missing (Debian).
+set -eu
+
+cd "$(dirname -- "$0")/.."
+. scripts/packages.sh
+
+install_missing g++ make cmake libcli11-dev valgrind
+# The build of the release preset, if it is there, has the program already.
+cmake --preset release -DVARN3D_BUILD_BENCH=OFF >/dev/null
+cmake --build --preset release --target varn3d --parallel "$(nproc)"
+output=build/valgrind
+mkdir -p "$output"
+valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=all \
+    --errors-for-leak-kinds=all build/release/tools/varn3d examples/data/bunny.xyz --check --stats \
+    --vtk "$output/scan.vtk" --medit "$output/scan.mesh" --tetgen "$output/scan" \
+    --geomview "$output/scan.list"
