@@ -1,5 +1,6 @@
 #!/bin/sh
-# run-tests.sh                    everything that must hold, in steps, each of which is a command
+# run-tests.sh                    builds everything and runs all tests: the preset release
+# run-tests.sh all                everything that must hold, in steps, each of which is a command
 #                                 that the output names; stops at the first that fails
 # run-tests.sh PRESET...          builds and runs all tests of these presets of CMakePresets.json
 # run-tests.sh PRESET=TEST,...    only these test programs of the preset
@@ -34,7 +35,8 @@ run_preset() {
 
 install_missing g++ clang make cmake libcli11-dev libgtest-dev libgmock-dev libgmp-dev pkg-config \
     dpkg-dev fakeroot file
-if [ $# -gt 0 ]; then
+[ $# -gt 0 ] || set -- release
+if [ "$1" != all ]; then
     for preset in "$@"; do
         run_preset "$preset"
     done
