@@ -9,6 +9,7 @@
 #include "dt3Library/EngineCheck.h"
 #include "dt3Library/FloatingPoint.h"
 #include "dt3Library/Profile.h"
+#include "dt3Library/prefetch.h"
 
 namespace VARN3D {
 
@@ -19,20 +20,7 @@ constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 /// The same seen from outside.
 constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
-#if defined(__GNUC__)
-inline void prefetch(std::uintptr_t address) {
-    __builtin_prefetch(reinterpret_cast<const void*>(address));
-}
-#else
-inline void prefetch(std::uintptr_t) {}
-#endif
-
-/// No branch: the index is anybody's guess.
-inline int indexOfNeighbour(const Tet3* tet, const Tet3* neighbour) {
-    return (MeshAccess::neighbour(tet, 1) == neighbour ? 1 : 0) +
-           (MeshAccess::neighbour(tet, 2) == neighbour ? 2 : 0) +
-           (MeshAccess::neighbour(tet, 3) == neighbour ? 3 : 0);
-}
+constexpr std::uint8_t HIGHEST_BIT[16] = {0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3};
 
 inline std::uintptr_t addressOf(const Point3* p) {
     return reinterpret_cast<std::uintptr_t>(p);
@@ -98,22 +86,17 @@ int Cavity::addRow(Point3* vertex) {
 }
 
 /// The determinants below are Shewchuk's first stage, so his bounds hold with every term of the
-/// permanent replaced by the product of the largest components: 24 terms of the sphere test, 6 of
-/// the orientation. They hold as long as nothing underflows or overflows. With differences below
-/// 2^200 nothing overflows, and each of the fewer than 200 products that underflow adds at most
-/// 2^-1074 times a remaining factor below 2^602: far less than the 2^-400 that is added here.
-/// Larger differences leave everything to the predicates.
+/// permanent replaced by the product of the largest components: 24 terms of the sphere test.
+/// Differences too large for that leave everything to the predicates.
 void Cavity::updateBounds() {
-    constexpr double UNDERFLOW_GUARD = 0x1p-400;
-    constexpr double MAX_LIFT = 0x1p400;
+    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
     if (!(maxLift < MAX_LIFT)) {
         sphereBound = orientationBound = std::numeric_limits<double>::infinity();
         return;
     }
-    const PredicateConstants& constants = predicates.getConstants();
-    const double volume = maxX * maxY * maxZ;
-    orientationBound = 8.0 * constants.o3derrboundA * volume + UNDERFLOW_GUARD;
-    sphereBound = 32.0 * constants.isperrboundA * volume * maxLift + UNDERFLOW_GUARD;
+    orientationBound = predicates.getOrientationBound(maxX, maxY, maxZ);
+    sphereBound = 32.0 * predicates.getConstants().isperrboundA * (maxX * maxY * maxZ) * maxLift +
+                  GeomTest3::UNDERFLOW_GUARD;
 }
 
 inline SphereTest Cavity::evaluate(Tet3* tet) {
@@ -227,14 +210,11 @@ inline void Cavity::visitNeighbours(const Doomed& current) {
     }
     numBoundary = static_cast<std::size_t>(end - boundary.data());
 
-    for (int i = 3; i >= 0; --i) {
-        if ((conflicts >> i & 1U) == 0) continue;
+    for (unsigned rest = conflicts; rest != 0;) {
+        const unsigned i = HIGHEST_BIT[rest];
+        rest ^= 1U << i;
         Tet3* neighbour = neighbours[i];
-        for (int k = 0; k < 4; ++k) {
-            const auto next = reinterpret_cast<std::uintptr_t>(MeshAccess::neighbour(neighbour, k));
-            prefetch(next);
-            prefetch(next + 64);
-        }
+        for (int k = 0; k < 4; ++k) prefetchRecord(MeshAccess::neighbour(neighbour, k));
         doom(neighbour);
         pushDoomed(neighbour);
     }
@@ -278,7 +258,8 @@ Tet3* Cavity::fillBoundary() {
         MeshAccess::fill(last, label++, newVertex, b, c, d);
         gluing.add(last, facet.number[0], facet.number[1], facet.number[2]);
         if (facet.outer != nullptr)
-            registerTets(last, 0, facet.outer, indexOfNeighbour(facet.outer, facet.inner));
+            registerTets(last, 0, facet.outer,
+                         MeshAccess::indexOfNeighbour(facet.outer, facet.inner));
     }
     return last;
 }
@@ -353,7 +334,7 @@ Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
                              MeshAccess::corner(doomed, corners[1]),
                              MeshAccess::corner(doomed, corners[2]));
             if (pOppTet != nullptr)
-                registerTets(pNewTet, 0, pOppTet, indexOfNeighbour(pOppTet, doomed));
+                registerTets(pNewTet, 0, pOppTet, MeshAccess::indexOfNeighbour(pOppTet, doomed));
         }
     }
     engineCheck(pNewTet != nullptr, "pNewTet!=0", 1060);

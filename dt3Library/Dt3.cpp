@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 
@@ -29,6 +30,16 @@ double squaredDistance(const Point3& a, const Point3& b) {
 
 bool isFinite(const Point3& p) {
     return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
+}
+
+/// How many of the next `untested` facets, counted round from `facet`, certainly have the point on
+/// their inner side before the first that may not.
+int countInnerFacets(const FacetSides& sides, int facet, int untested) {
+    static constexpr std::uint8_t LOWEST_BIT[16] = {4, 0, 1, 0, 2, 0, 1, 0, 3, 0, 1, 0, 2, 0, 1, 0};
+    unsigned others = 0;
+    for (int i = 0; i < 4; ++i) others |= (sides.orientation[i] > sides.bound ? 0U : 1U) << i;
+    others = (others << 4 | others) >> facet & ((1U << untested) - 1U);
+    return others == 0 ? untested : LOWEST_BIT[others];
 }
 
 void requireFinite(const Point3& point, std::size_t position, const char* who) {
@@ -107,9 +118,10 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
     WalkStarts starts;
     std::size_t numSteps = 0;
     std::size_t numInserted = 0;
-    for (std::size_t position; order.next(position); ++numInserted) {
+    std::size_t position;
+    for (; starts.isReady() ? starts.next(position) : order.next(position); ++numInserted) {
         Point3*& pVtx = vVertices[position];
-        if (starts.isReady()) pLastTet = starts.nearest(vVertices, position, pLastTet);
+        if (starts.isReady()) pLastTet = starts.nearest(position, pLastTet);
         engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
         const int located = locateConflictTet(pVtx, pLastTet, numSteps);
         if (!starts.isReady() && numSteps > 20 * numInserted + 4096) {
@@ -283,23 +295,35 @@ void Dt3::stopWalk(Tet3*& pTet) {
 /// the first facet that has the point on its outer side. After maxSteps facets it gives up.
 int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& numSteps) const {
     VARN3D_TIME(secondsWalk);
+    FacetSides sides = predicates.seeFacets(pStartTet, pVtx);
     int facet = 0;
     int untested = 4;
     bool bEntered = false;
     int located = LOCATION_STOPPED;
     int steps = 0;
-    while (++steps <= maxSteps) {
-        const Orientation3 side = predicates.getOrientation3(pStartTet, facet, pVtx);
+    for (;;) {
+        const int numInner = countInnerFacets(sides, facet, untested);
+        facet = (facet + numInner) % 4;
+        untested -= numInner;
+        steps += numInner + (untested > 0 ? 1 : 0);
+        if (steps > maxSteps) break;
+        if (untested == 0) {
+            if (bEntered) checkEntry(pStartTet, facet, pVtx, sides);
+            located = LOCATED_INSIDE;
+            break;
+        }
+        const Orientation3 side = sides.orientation[facet] < -sides.bound
+                                      ? ORIENTATION3_NEGATIVE
+                                      : predicates.getOrientation3(pStartTet, facet, pVtx);
         if (side == ORIENTATION3_NEGATIVE) {
             Tet3* next = MeshAccess::neighbour(pStartTet, facet);
             if (next == nullptr) {
                 located = facet;
                 break;
             }
-            int entry = 0;
-            while (entry < 3 && MeshAccess::neighbour(next, entry) != pStartTet) ++entry;
+            facet = (MeshAccess::indexOfNeighbour(next, pStartTet) + 1) % 4;
             pStartTet = next;
-            facet = (entry + 1) % 4;
+            sides = predicates.seeFacets(pStartTet, pVtx);
             bEntered = true;
             untested = 3;  // the facet just crossed has the point on its inner side
             continue;
@@ -309,11 +333,7 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& n
             if (located != LOCATION_STOPPED) break;
         }
         facet = (facet + 1) % 4;
-        if (--untested == 0) {
-            if (bEntered) checkEntry(pStartTet, facet, pVtx);
-            located = LOCATED_INSIDE;
-            break;
-        }
+        --untested;
     }
     VARN3D_COUNT_WALK(steps);
     numSteps += static_cast<std::size_t>(steps);
@@ -323,12 +343,14 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& n
 /// What must hold where a walk ends inside; only a mesh broken from outside violates it. The walk
 /// has tested all facets but the one it came in by; that the sphere holds the point is left to
 /// those who go on from here.
-void Dt3::checkEntry(const Tet3* pStartTet, int entry, const Point3* pVtx) const {
+void Dt3::checkEntry(const Tet3* pStartTet, int entry, const Point3* pVtx,
+                     const FacetSides& sides) const {
     static const char* const CONDITIONS[4] = {
         "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE",
         "predicates.getOrientation3(pStartTet,1,pVtx)==ORIENTATION3_POSITIVE",
         "predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE",
         "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE"};
+    if (sides.orientation[entry] > sides.bound) return;
     const Orientation3 side = predicates.getOrientation3(pStartTet, entry, pVtx);
     engineCheck(side == ORIENTATION3_POSITIVE, CONDITIONS[entry], 570 + entry);
 }

@@ -99,7 +99,8 @@ class Dt3 {
     static void findNearestStar(const Point3& point, Tet3* pTet, const Point3*& pNearest,
                                 std::vector<Tet3*>& star);
     static void stopWalk(Tet3*& pTet);
-    void checkEntry(const Tet3* pStartTet, int entry, const Point3* pVtx) const;
+    void checkEntry(const Tet3* pStartTet, int entry, const Point3* pVtx,
+                    const FacetSides& sides) const;
     int examineCoplanar(const Point3* pVtx, Tet3*& pStartTet, int facet) const;
     static int circulateToHull(Tet3*& pStartTet, int opp3ICI, int opp2ICI);
 

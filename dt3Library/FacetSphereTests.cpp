@@ -48,35 +48,32 @@ __attribute__((target("avx2"))) void testFacetsAtOnce(const SphereRow* const cor
                                                       const SphereRow* const beyond[4],
                                                       unsigned /*wanted*/,
                                                       FacetSphereTests& result) {
+    using Half = double __attribute__((vector_size(16), may_alias));
     using Lanes = double __attribute__((vector_size(32), may_alias));
 #define VARN3D_SHUFFLE(v, w, ...) __builtin_shufflevector(v, w, __VA_ARGS__)
 #define VARN3D_TURN(v, by) \
     __builtin_shufflevector(v, v, (by) % 4, ((by) + 1) % 4, ((by) + 2) % 4, ((by) + 3) % 4)
-    // From the rows of single vertices to lanes of x, y, z and lifts.
-    const Lanes xz01 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(corner[0]),
-                                      *reinterpret_cast<const Lanes*>(corner[1]), 0, 4, 2, 6);
-    const Lanes yl01 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(corner[0]),
-                                      *reinterpret_cast<const Lanes*>(corner[1]), 1, 5, 3, 7);
-    const Lanes xz23 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(corner[2]),
-                                      *reinterpret_cast<const Lanes*>(corner[3]), 0, 4, 2, 6);
-    const Lanes yl23 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(corner[2]),
-                                      *reinterpret_cast<const Lanes*>(corner[3]), 1, 5, 3, 7);
-    const Lanes axz01 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(beyond[0]),
-                                       *reinterpret_cast<const Lanes*>(beyond[1]), 0, 4, 2, 6);
-    const Lanes ayl01 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(beyond[0]),
-                                       *reinterpret_cast<const Lanes*>(beyond[1]), 1, 5, 3, 7);
-    const Lanes axz23 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(beyond[2]),
-                                       *reinterpret_cast<const Lanes*>(beyond[3]), 0, 4, 2, 6);
-    const Lanes ayl23 = VARN3D_SHUFFLE(*reinterpret_cast<const Lanes*>(beyond[2]),
-                                       *reinterpret_cast<const Lanes*>(beyond[3]), 1, 5, 3, 7);
-    const Lanes x = VARN3D_SHUFFLE(xz01, xz23, 0, 1, 4, 5);
-    const Lanes y = VARN3D_SHUFFLE(yl01, yl23, 0, 1, 4, 5);
-    const Lanes z = VARN3D_SHUFFLE(xz01, xz23, 2, 3, 6, 7);
-    const Lanes lift = VARN3D_SHUFFLE(yl01, yl23, 2, 3, 6, 7);
-    const Lanes ax = VARN3D_SHUFFLE(axz01, axz23, 0, 1, 4, 5);
-    const Lanes ay = VARN3D_SHUFFLE(ayl01, ayl23, 0, 1, 4, 5);
-    const Lanes az = VARN3D_SHUFFLE(axz01, axz23, 2, 3, 6, 7);
-    const Lanes liftA = VARN3D_SHUFFLE(ayl01, ayl23, 2, 3, 6, 7);
+    // From the rows of single vertices to lanes of x, y, z and lifts. Rows are read by halves: they
+    // were written a moment ago, and a read wider than the writes would have to wait for them.
+#define VARN3D_HALVES(row1, row2, member)                           \
+    VARN3D_SHUFFLE(*reinterpret_cast<const Half*>(&(row1)->member), \
+                   *reinterpret_cast<const Half*>(&(row2)->member), 0, 1, 2, 3)
+    const Lanes xy02 = VARN3D_HALVES(corner[0], corner[2], x);
+    const Lanes xy13 = VARN3D_HALVES(corner[1], corner[3], x);
+    const Lanes zl02 = VARN3D_HALVES(corner[0], corner[2], z);
+    const Lanes zl13 = VARN3D_HALVES(corner[1], corner[3], z);
+    const Lanes axy02 = VARN3D_HALVES(beyond[0], beyond[2], x);
+    const Lanes axy13 = VARN3D_HALVES(beyond[1], beyond[3], x);
+    const Lanes azl02 = VARN3D_HALVES(beyond[0], beyond[2], z);
+    const Lanes azl13 = VARN3D_HALVES(beyond[1], beyond[3], z);
+    const Lanes x = VARN3D_SHUFFLE(xy02, xy13, 0, 4, 2, 6);
+    const Lanes y = VARN3D_SHUFFLE(xy02, xy13, 1, 5, 3, 7);
+    const Lanes z = VARN3D_SHUFFLE(zl02, zl13, 0, 4, 2, 6);
+    const Lanes lift = VARN3D_SHUFFLE(zl02, zl13, 1, 5, 3, 7);
+    const Lanes ax = VARN3D_SHUFFLE(axy02, axy13, 0, 4, 2, 6);
+    const Lanes ay = VARN3D_SHUFFLE(axy02, axy13, 1, 5, 3, 7);
+    const Lanes az = VARN3D_SHUFFLE(azl02, azl13, 0, 4, 2, 6);
+    const Lanes liftA = VARN3D_SHUFFLE(azl02, azl13, 1, 5, 3, 7);
 
     const Lanes bx = VARN3D_TURN(x, 1), by = VARN3D_TURN(y, 1), bz = VARN3D_TURN(z, 1);
     const Lanes cx = VARN3D_TURN(x, 2), cy = VARN3D_TURN(y, 2), cz = VARN3D_TURN(z, 2);
@@ -96,6 +93,7 @@ __attribute__((target("avx2"))) void testFacetsAtOnce(const SphereRow* const cor
     const Lanes sign = {1.0, -1.0, 1.0, -1.0};
     *reinterpret_cast<Lanes*>(result.conflict) = sphere * sign;
     *reinterpret_cast<Lanes*>(result.orientation) = bcd * sign;
+#undef VARN3D_HALVES
 #undef VARN3D_SHUFFLE
 #undef VARN3D_TURN
 }

@@ -1,5 +1,8 @@
 #include "dt3Library/GeomTest3.h"
 
+#include <cmath>
+#include <limits>
+
 #include "dt3Library/MeshAccess.h"
 #include "dt3Library/predicateStages.h"
 #include "dt3Library/tools.h"
@@ -46,6 +49,11 @@ inline Decision decide(const Points<Predicate>& points, double errorBound) {
 /// sign is anybody's guess.
 constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTATION3_COPLANAR,
                                                  ORIENTATION3_NEGATIVE};
+
+/// `std::max` takes references, which compilers turn into branches.
+inline double larger(double a, double b) {
+    return a < b ? b : a;
+}
 
 /// The order in which the corners of facet i see corner i on their positive side.
 constexpr int FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
@@ -108,6 +116,28 @@ Orientation3 GeomTest3::getOrientation3(const Tet3* pC, int ith, const Point3* p
     const int* facet = FACET[ith];
     return getOrientation3(MeshAccess::corner(pC, facet[0]), MeshAccess::corner(pC, facet[1]),
                            MeshAccess::corner(pC, facet[2]), pD);
+}
+
+FacetSides GeomTest3::seeFacets(const Tet3* pTet, const Point3* p) const {
+    double x[4], y[4], z[4];
+    double maxX = 0.0, maxY = 0.0, maxZ = 0.0;
+    for (int i = 0; i < 4; ++i) {
+        const Point3* corner = MeshAccess::corner(pTet, i);
+        x[i] = corner->x() - p->x();
+        y[i] = corner->y() - p->y();
+        z[i] = corner->z() - p->z();
+        maxX = larger(maxX, std::fabs(x[i]));
+        maxY = larger(maxY, std::fabs(y[i]));
+        maxZ = larger(maxZ, std::fabs(z[i]));
+    }
+    const auto minor = [&x, &y](int i, int j) { return x[i] * y[j] - x[j] * y[i]; };
+    const double m01 = minor(0, 1), m02 = minor(0, 2), m03 = minor(0, 3);
+    const double m12 = minor(1, 2), m13 = minor(1, 3), m23 = minor(2, 3);
+    const bool bInRange = maxX < MAX_DIFFERENCE && maxY < MAX_DIFFERENCE && maxZ < MAX_DIFFERENCE;
+    return {
+        {z[1] * m23 - z[2] * m13 + z[3] * m12, z[2] * m03 - z[0] * m23 - z[3] * m02,
+         z[0] * m13 - z[1] * m03 + z[3] * m01, z[1] * m02 - z[0] * m12 - z[2] * m01},
+        bInRange ? getOrientationBound(maxX, maxY, maxZ) : std::numeric_limits<double>::infinity()};
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {

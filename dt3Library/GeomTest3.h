@@ -41,6 +41,14 @@ struct PredicateConstants {
     double isperrboundC;
 };
 
+/// The determinants of a point and each facet of a tetrahedron in plain doubles: positive where the
+/// point lies on the facet's inner side. Those not beyond the bound, in either direction, are
+/// uncertain.
+struct FacetSides {
+    double orientation[4];
+    double bound;
+};
+
 /// The exact predicates.
 class GeomTest3 {
   public:
@@ -51,10 +59,25 @@ class GeomTest3 {
     Orientation3 getOrientation3(const Point3* pa, const Point3* pb, const Point3* pc,
                                  const Point3* pd) const;
     Orientation3 getOrientation3(const Tet3* pC, int ith, const Point3* pD) const;
+    /// A first look at all facets at once.
+    FacetSides seeFacets(const Tet3* pTet, const Point3* p) const;
     SphereInclusion sphereInclusionTest(const Tet3* pTet, const Point3* pE) const;
 
     /// Whether three points lie exactly on one line (coinciding points do).
     bool areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const;
+
+    /// Bounds the rounding of a determinant of differences that are none larger than these, and
+    /// below MAX_DIFFERENCE: the first of Shewchuk's bounds, with the permanent's 6 terms replaced
+    /// by the product of the largest components.
+    double getOrientationBound(double maxX, double maxY, double maxZ) const {
+        return 8.0 * constants.o3derrboundA * (maxX * maxY * maxZ) + UNDERFLOW_GUARD;
+    }
+
+    /// With differences below this no determinant of either predicate overflows, and each of its
+    /// fewer than 200 products that underflow adds at most 2^-1074 times a remaining factor below
+    /// 2^602: far less than the guard.
+    static constexpr double MAX_DIFFERENCE = 0x1p200;
+    static constexpr double UNDERFLOW_GUARD = 0x1p-400;
 
   private:
     PredicateConstants constants;

@@ -18,6 +18,11 @@ struct MeshAccess {
     static Point3* corner(const Tet3* t, int i) { return t->aVertexPointer[i]; }
     static Tet3*& neighbour(Tet3* t, int i) { return t->aOppTets[i]; }
     static Tet3* neighbour(const Tet3* t, int i) { return t->aOppTets[i]; }
+    /// The index of a neighbour, which must be one. No branch: the index is anybody's guess.
+    static int indexOfNeighbour(const Tet3* t, const Tet3* other) {
+        return (t->aOppTets[1] == other ? 1 : 0) + (t->aOppTets[2] == other ? 2 : 0) +
+               (t->aOppTets[3] == other ? 3 : 0);
+    }
     static std::int32_t& customIndex(Tet3* t) { return t->customIndex; }
     /// The first of n labels that belong to the caller from now on. The counter wraps around.
     static std::uint32_t reserveLabels(std::size_t n) {

@@ -1,9 +1,11 @@
 #include "dt3Library/WalkStarts.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "dt3Library/MeshAccess.h"
 #include "dt3Library/SpatialOrder.h"
+#include "dt3Library/prefetch.h"
 
 namespace VARN3D {
 
@@ -11,7 +13,7 @@ void WalkStarts::prepare(const std::vector<Point3*>& vVertices, InsertionOrder o
                          const Bbox3& box) {
     const std::size_t n = vVertices.size();
     if (n >= NONE) return;
-    std::vector<Position> remaining;
+    pVertices = &vVertices;
     for (std::size_t position; order.next(position);)
         remaining.push_back(static_cast<Position>(position));
 
@@ -44,9 +46,59 @@ void WalkStarts::prepare(const std::vector<Point3*>& vVertices, InsertionOrder o
     }
 }
 
-Tet3* WalkStarts::nearest(const std::vector<Point3*>& vVertices, std::size_t position,
-                          Tet3* current) const {
-    const Point3& p = *vVertices[position];
+bool WalkStarts::next(std::size_t& position) {
+    if (cursor == remaining.size()) return false;
+    position = remaining[cursor++];
+    // Each step reads what the step before it, an insertion ago, has loaded.
+    if (cursor + 3 < remaining.size()) {
+        fetchVertices(remaining[cursor + 3]);
+        fetchTets(remaining[cursor + 2]);
+        fetchStar(remaining[cursor + 1]);
+        fetchSurroundings(remaining[cursor]);
+    }
+    return true;
+}
+
+/// Calls f(const Point3& vertex) for both neighbours, as far as there are any.
+template <class F>
+void WalkStarts::forNeighbours(std::size_t position, F f) const {
+    for (const Position neighbour : {predecessors[position], successors[position]})
+        if (neighbour != NONE) f(*vertexAt(neighbour));
+}
+
+void WalkStarts::fetchVertices(std::size_t position) const {
+    prefetchRecord((*pVertices)[position]);
+    forNeighbours(position, [](const Point3& vertex) { prefetchRecord(&vertex); });
+}
+
+void WalkStarts::fetchTets(std::size_t position) const {
+    forNeighbours(position, [](const Point3& vertex) { prefetchRecord(vertex.getOneTet()); });
+}
+
+void WalkStarts::fetchStar(std::size_t position) const {
+    const Tet3* tet = nearest(position, nullptr);
+    if (tet == nullptr) return;
+    for (int i = 0; i < 4; ++i) {
+        prefetchRecord(MeshAccess::neighbour(tet, i));
+        prefetchRecord(MeshAccess::corner(tet, i));
+    }
+}
+
+void WalkStarts::fetchSurroundings(std::size_t position) const {
+    const Tet3* tet = nearest(position, nullptr);
+    if (tet == nullptr) return;
+    for (int i = 0; i < 4; ++i) {
+        const Tet3* neighbour = MeshAccess::neighbour(tet, i);
+        if (neighbour == nullptr) continue;
+        for (int k = 0; k < 4; ++k) {
+            prefetchRecord(MeshAccess::neighbour(neighbour, k));
+            prefetchRecord(MeshAccess::corner(neighbour, k));
+        }
+    }
+}
+
+Tet3* WalkStarts::nearest(std::size_t position, Tet3* current) const {
+    const Point3& p = *(*pVertices)[position];
     const auto squaredDistance = [&p](const Point3& q) {
         const double dx = p.x() - q.x();
         const double dy = p.y() - q.y();
@@ -54,16 +106,15 @@ Tet3* WalkStarts::nearest(const std::vector<Point3*>& vVertices, std::size_t pos
         return dx * dx + dy * dy + dz * dz;
     };
     Tet3* best = current;
-    double bestDistance = squaredDistance(*MeshAccess::corner(current, 0));
-    for (const Position neighbour : {predecessors[position], successors[position]}) {
-        if (neighbour == NONE) continue;
-        const Point3& q = *vVertices[neighbour];
-        if (q.getOneTet() == nullptr) continue;
+    double bestDistance = current != nullptr ? squaredDistance(*MeshAccess::corner(current, 0))
+                                             : std::numeric_limits<double>::infinity();
+    forNeighbours(position, [&](const Point3& q) {
+        if (q.getOneTet() == nullptr) return;
         const double distance = squaredDistance(q);
-        if (!(distance < bestDistance)) continue;
+        if (!(distance < bestDistance)) return;
         best = q.getOneTet();
         bestDistance = distance;
-    }
+    });
     return best;
 }
 

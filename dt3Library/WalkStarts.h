@@ -20,20 +20,36 @@ namespace VARN3D {
 /// reverse insertion order.
 class WalkStarts {
   public:
-    bool isReady() const { return !predecessors.empty(); }
+    bool isReady() const { return pVertices != nullptr; }
 
-    /// Prepares for all positions that `order` has yet to give. O(n log n), 16 bytes a vertex.
+    /// Prepares for all positions that `order` has yet to give; from now on they come from here.
+    /// The vertices must outlive this object. O(n log n), 20 bytes a vertex.
     void prepare(const std::vector<Point3*>& vVertices, InsertionOrder order, const Bbox3& box);
 
+    /// The next position; false at the end. Such batches jump to and fro in the mesh, so it also
+    /// has the processor load what the insertions after this one are going to read.
+    bool next(std::size_t& position);
+
     /// A tetrahedron at the nearest of the neighbours and `current`, where to start the walk.
-    Tet3* nearest(const std::vector<Point3*>& vVertices, std::size_t position, Tet3* current) const;
+    Tet3* nearest(std::size_t position, Tet3* current) const;
 
   private:
     using Position = std::uint32_t;
     static constexpr Position NONE = 0xFFFFFFFF;
 
+    Point3* vertexAt(Position position) const { return (*pVertices)[position]; }
+    template <class F>
+    void forNeighbours(std::size_t position, F f) const;
+    void fetchVertices(std::size_t position) const;
+    void fetchTets(std::size_t position) const;
+    void fetchStar(std::size_t position) const;
+    void fetchSurroundings(std::size_t position) const;
+
+    const std::vector<Point3*>* pVertices = nullptr;
     std::vector<Position> predecessors;
     std::vector<Position> successors;
+    std::vector<Position> remaining;
+    std::size_t cursor = 0;
 };
 
 }  // namespace VARN3D
