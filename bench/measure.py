@@ -1,6 +1,7 @@
 """Runs the drivers: one fresh process a measurement, all on one core, results as JSON."""
 
 import json
+import math
 import os
 import platform
 import statistics
@@ -151,6 +152,11 @@ class SetResult:
         """Times of one engine over the other's, within each round."""
         return [a / b for a, b in zip(self.seconds(numerator), self.seconds(denominator))]
 
+    def first_ratio(self, reference, engine_name):
+        """The engine's first time over the reference's; infinite if either has none."""
+        ratios = self.ratios(engine_name, reference)
+        return ratios[0] if ratios else math.inf
+
     def as_json(self):
         engines = {}
         for name in self.reports:
@@ -171,18 +177,27 @@ class SetResult:
         }
 
 
-def run_rounds(point_sets, engines, files, rounds, check_up_to, say):
-    """Every round runs every engine on every set; the engines' order turns from round to round. An
-    engine that failed on a set is not run on it again. Returns the results by set name."""
+# An engine so many times slower than ours on a set is measured once there: its ratio is in no doubt.
+SLOW = 8.0
+
+
+def run_rounds(point_sets, engines, files, rounds_of, check_up_to, say):
+    """Every round runs every engine on every set that has so many rounds; the engines' order turns
+    from round to round. An engine that failed on a set, or that is far behind the first engine, is
+    not run on it again. Returns the results by set name."""
     results = {s.name: SetResult(s) for s in point_sets}
     for point_set in point_sets:
         files.path(point_set.shape, point_set.seed)
-    for number in range(rounds):
+    for number in range(max(map(rounds_of, point_sets))):
         turn = number % len(engines)
         for point_set in point_sets:
+            if number >= rounds_of(point_set):
+                continue
             result = results[point_set.name]
             for engine in engines[turn:] + engines[:turn]:
                 if not engine.takes(point_set) or engine.name in result.faults:
+                    continue
+                if number > 0 and result.first_ratio(engines[0].name, engine.name) > SLOW:
                     continue
                 check = number == 0 and point_set.points <= check_up_to
                 report = engine.run(point_set, files, check)

@@ -113,11 +113,11 @@ def queries(groups, engines):
 
 
 PHASES = ("Store", "Walk", "Conflict", "Creation", "Hull")
-STAGES = ("filter", "lattice", "double-double", "exact")
+STAGES = ("filter", "lattice", "small integers", "larger integers")
 
 
 def stage_shares(counts):
-    """The exact integers of several sizes count as one stage."""
+    """The last two stages, integers of medium and of any size, count as one."""
     total = sum(counts)
     shares = [*counts[:3], sum(counts[3:])]
     return [number(share / total, 2, 100.0) if total else "–" for share in shares]
@@ -160,7 +160,8 @@ def markdown(machine, revision, rounds, groups, peers):
         f"{rounds} rounds, one thread, pinned to one core. A ratio × above 1 says how many times "
         "faster than that engine Varn3D is: the median of the ratios within the rounds. Times a "
         "point are medians of the triangulation alone; memory is the peak above the input. "
-        "Engines whose mesh failed the check, or that took too long, show no time.",
+        "Engines whose mesh failed the check, or that took too long, show no time; those more than eight "
+        "times slower ran once.",
         "### Against the peers",
         against_peers(groups, peers),
         faults(groups),

@@ -46,6 +46,7 @@ Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
 
 void Cavity::begin(Point3* p) {
     newVertex = p;
+    firstNumber += numRows;
     numRows = 0;
     maxX = maxY = maxZ = maxLift = 0.0;
     tets.swapLists();
@@ -53,13 +54,14 @@ void Cavity::begin(Point3* p) {
 
 // ---- Rows and bounds ---------------------------------------------------------------------------
 
+/// For a vertex that has not been met yet this is no number in use.
+inline std::uint32_t Cavity::numberIfMet(Point3* vertex) const {
+    return MeshAccess::cavityNumber(vertex) - firstNumber;
+}
+
 inline int Cavity::numberOf(Point3* vertex) {
-    const int number = MeshAccess::cavityNumber(vertex);
-    // A number left by another insertion names another vertex or none.
-    if (static_cast<unsigned>(number) < static_cast<unsigned>(numRows) &&
-        vertexOf(number) == vertex)
-        return number;
-    return addRow(vertex);
+    const std::uint32_t number = numberIfMet(vertex);
+    return number < numRows ? static_cast<int>(number) : addRow(vertex);
 }
 
 int Cavity::addRow(Point3* vertex) {
@@ -67,14 +69,13 @@ int Cavity::addRow(Point3* vertex) {
     const double y = vertex->y() - newVertex->y();
     const double z = vertex->z() - newVertex->z();
     const double lift = x * x + y * y + z * z;
-    const auto place = static_cast<std::size_t>(numRows);
-    if (place == rows.size()) {
+    if (numRows == rows.size()) {
         rows.resize(2 * rows.size());
         vertices.resize(rows.size());
     }
-    rows[place] = {x, y, z, lift};
-    vertices[place] = vertex;
-    MeshAccess::cavityNumber(vertex) = numRows;
+    rows[numRows] = {x, y, z, lift};
+    vertices[numRows] = vertex;
+    MeshAccess::cavityNumber(vertex) = firstNumber + numRows;
     const double sizeX = std::fabs(x);
     const double sizeY = std::fabs(y);
     const double sizeZ = std::fabs(z);
@@ -82,7 +83,7 @@ int Cavity::addRow(Point3* vertex) {
     maxY = maxY < sizeY ? sizeY : maxY;
     maxZ = maxZ < sizeZ ? sizeZ : maxZ;
     maxLift = maxLift < lift ? lift : maxLift;
-    return numRows++;
+    return static_cast<int>(numRows++);
 }
 
 /// The determinants below are Shewchuk's first stage, so his bounds hold with every term of the
@@ -101,7 +102,7 @@ void Cavity::updateBounds() {
 
 inline SphereTest Cavity::evaluate(Tet3* tet) {
     VARN3D_COUNT(sphereTests, 1);
-    const int rowsBefore = numRows;
+    const std::uint32_t rowsBefore = numRows;
     int number[4];
     for (int i = 0; i < 4; ++i) number[i] = numberOf(MeshAccess::corner(tet, i));
     if (numRows != rowsBefore) updateBounds();
@@ -157,7 +158,7 @@ void Cavity::growRegionAndBoundary(Tet3* start) {
 inline void Cavity::pushDoomed(Tet3* tet) {
     Doomed doomed{tet, {}};
     for (int i = 0; i < 4; ++i)
-        doomed.number[i] = MeshAccess::cavityNumber(MeshAccess::corner(tet, i));
+        doomed.number[i] = static_cast<int>(numberIfMet(MeshAccess::corner(tet, i)));
     stack.push_back(doomed);
 }
 
@@ -165,11 +166,13 @@ inline void Cavity::pushDoomed(Tet3* tet) {
 /// their number is hard to predict, and a processor that guesses it wrongly loses more time.
 inline void Cavity::visitNeighbours(const Doomed& current) {
     const std::uintptr_t mixed = mixedCorners(current.tet);
-    const int rowsBefore = numRows;
+    const std::uint32_t rowsBefore = numRows;
     Tet3* neighbours[4];
     int beyond[4];
     unsigned inRegion = 0;
     unsigned onHull = 0;
+    Point3* beyondVertices[4];
+    unsigned unmet = 0;
     for (int i = 3; i >= 0; --i) {
         Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
         neighbours[i] = neighbour;
@@ -180,7 +183,17 @@ inline void Cavity::visitNeighbours(const Doomed& current) {
         }
         inRegion |= (MeshAccess::visited(neighbour) ? 1U : 0U) << i;
         const std::uintptr_t facet = mixed ^ addressOf(MeshAccess::corner(current.tet, i));
-        beyond[i] = numberOf(reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet));
+        Point3* vertex = reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet);
+        beyondVertices[i] = vertex;
+        const std::uint32_t number = numberIfMet(vertex);
+        beyond[i] = static_cast<int>(number);
+        unmet |= (number < rowsBefore ? 0U : 1U) << i;
+    }
+    // Afterwards, so that no wrong guess here delays the loads above. Two may be the same vertex.
+    while (unmet != 0) {
+        const unsigned i = HIGHEST_BIT[unmet];
+        unmet ^= 1U << i;
+        beyond[i] = numberOf(beyondVertices[i]);
     }
     if (numRows != rowsBefore) updateBounds();
 
@@ -244,7 +257,7 @@ inline unsigned Cavity::decideConflicts(const Tet3* tet, unsigned candidates,
 }
 
 Tet3* Cavity::fillBoundary() {
-    gluing.begin(static_cast<std::size_t>(numRows));
+    gluing.begin(numRows);
     std::uint32_t label = MeshAccess::reserveLabels(numBoundary);
     Tet3* last = nullptr;
     for (std::size_t i = 0; i < numBoundary; ++i) {
@@ -290,7 +303,7 @@ void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying
         }
     }
     // Every vertex of a new tetrahedron has been met by now.
-    gluing.begin(static_cast<std::size_t>(numRows));
+    gluing.begin(numRows);
 }
 
 Tet3* Cavity::fanOverHull(const std::vector<Tet3*>& vStaying) {

@@ -30,6 +30,12 @@ class Cavity {
     /// Starts an insertion of p: recycles what the last insertion released.
     void begin(Point3* p);
 
+    /// Whether the numbers of vertices are used up, as happens after some 50 million insertions.
+    /// Then, before the next insertion begins, the caller has to reset all vertices'
+    /// `cavityNumber` to NO_CAVITY_NUMBER and call `restartNumbers`.
+    bool isOutOfNumbers() const { return firstNumber + numRows > lastFirstNumber; }
+    void restartNumbers() { firstNumber = numRows = 0; }
+
     /// Grows the region from a tetrahedron that holds p (not on the hull's surface) and fills it
     /// with new tetrahedra. Returns the last one. O(size of the region).
     Tet3* refillFrom(Tet3* start);
@@ -60,6 +66,8 @@ class Cavity {
     /// For tests: cavities made from now on evaluate their sphere tests by the portable kernel. The
     /// mesh does not depend on it.
     static inline bool bPortableKernel = false;
+    /// For tests: numbers count as used up from here on. An insertion may take as many again.
+    static inline std::uint32_t lastFirstNumber = 0x7FFFFFFF;
 
   private:
     /// A tetrahedron of the region whose neighbours are still to be visited, with the cavity
@@ -78,6 +86,7 @@ class Cavity {
         int ith;
     };
 
+    std::uint32_t numberIfMet(Point3* vertex) const;
     int numberOf(Point3* vertex);
     int addRow(Point3* vertex);
     Point3* vertexOf(int number) const { return vertices[static_cast<std::size_t>(number)]; }
@@ -103,7 +112,10 @@ class Cavity {
     /// The vertices met by this insertion, seen from p, by their cavity numbers.
     std::vector<SphereRow> rows;
     std::vector<Point3*> vertices;
-    int numRows = 0;
+    std::uint32_t numRows = 0;
+    /// What a vertex holds is its cavity number plus this. All that earlier insertions left is
+    /// less.
+    std::uint32_t firstNumber = 0;
     double maxX = 0.0;
     double maxY = 0.0;
     double maxZ = 0.0;

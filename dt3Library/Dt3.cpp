@@ -36,9 +36,8 @@ bool isFinite(const Point3& p) {
 /// their inner side before the first that may not.
 int countInnerFacets(const FacetSides& sides, int facet, int untested) {
     static constexpr std::uint8_t LOWEST_BIT[16] = {4, 0, 1, 0, 2, 0, 1, 0, 3, 0, 1, 0, 2, 0, 1, 0};
-    unsigned others = 0;
-    for (int i = 0; i < 4; ++i) others |= (sides.orientation[i] > sides.bound ? 0U : 1U) << i;
-    others = (others << 4 | others) >> facet & ((1U << untested) - 1U);
+    const unsigned others =
+        (sides.notInner << 4 | sides.notInner) >> facet & ((1U << untested) - 1U);
     return others == 0 ? untested : LOWEST_BIT[others];
 }
 
@@ -138,6 +137,17 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     return insertLocated(pVtx, pCurTet, located);
 }
 
+void Dt3::beginCavity(Point3* pVtx) {
+    if (cavity.isOutOfNumbers()) {
+        std::vector<Point3*> vVertices;
+        store.getVertices(vVertices);
+        for (Point3* vertex : vVertices)
+            MeshAccess::cavityNumber(vertex) = MeshAccess::NO_CAVITY_NUMBER;
+        cavity.restartNumbers();
+    }
+    cavity.begin(pVtx);
+}
+
 /// Inserts a vertex that has been located in (or beyond a facet of) pCurTet.
 Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
     engineCheck(locateResult != LOCATION_STOPPED, "locateResult!=-99", 802);
@@ -152,7 +162,7 @@ Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
         engineCheck(!MeshAccess::visited(pRet), "!pRet->hasBeenVisited", 818);
     } else {
         engineCheck(locateResult == LOCATED_INSIDE, "locateResult==-1", 824);
-        cavity.begin(pVtx);
+        beginCavity(pVtx);
         pRet = cavity.refillFrom(pCurTet);
     }
     pRecentTet = pRet;
@@ -413,7 +423,7 @@ Tet3* Dt3::insertOutsideHull(Point3* pVtx, Tet3* pCurTet, int opp3ICI) {
     engineCheck(pCurTet != nullptr, "pCurTet!=0", 1201);
     engineCheck(opp3ICI > -1, "opp3ICI>-1", 1202);
     VARN3D_COUNT(hullInsertions, 1);
-    cavity.begin(pVtx);
+    beginCavity(pVtx);
     collectVisibleHullTets(pVtx, pCurTet, opp3ICI);
     vStaying.clear();
     vDoomed.clear();

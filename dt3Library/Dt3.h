@@ -88,6 +88,7 @@ class Dt3 {
 
     // Insertion steps
     Tet3* startTetNear(const Point3& point);
+    void beginCavity(Point3* pVtx);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
     Tet3* insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const;
 

@@ -133,11 +133,16 @@ FacetSides GeomTest3::seeFacets(const Tet3* pTet, const Point3* p) const {
     const auto minor = [&x, &y](int i, int j) { return x[i] * y[j] - x[j] * y[i]; };
     const double m01 = minor(0, 1), m02 = minor(0, 2), m03 = minor(0, 3);
     const double m12 = minor(1, 2), m13 = minor(1, 3), m23 = minor(2, 3);
+    const double side0 = z[1] * m23 - z[2] * m13 + z[3] * m12;
+    const double side1 = z[2] * m03 - z[0] * m23 - z[3] * m02;
+    const double side2 = z[0] * m13 - z[1] * m03 + z[3] * m01;
+    const double side3 = z[1] * m02 - z[0] * m12 - z[2] * m01;
     const bool bInRange = maxX < MAX_DIFFERENCE && maxY < MAX_DIFFERENCE && maxZ < MAX_DIFFERENCE;
-    return {
-        {z[1] * m23 - z[2] * m13 + z[3] * m12, z[2] * m03 - z[0] * m23 - z[3] * m02,
-         z[0] * m13 - z[1] * m03 + z[3] * m01, z[1] * m02 - z[0] * m12 - z[2] * m01},
-        bInRange ? getOrientationBound(maxX, maxY, maxZ) : std::numeric_limits<double>::infinity()};
+    const double bound =
+        bInRange ? getOrientationBound(maxX, maxY, maxZ) : std::numeric_limits<double>::infinity();
+    const unsigned notInner = (side0 > bound ? 0U : 1U) | (side1 > bound ? 0U : 2U) |
+                              (side2 > bound ? 0U : 4U) | (side3 > bound ? 0U : 8U);
+    return {{side0, side1, side2, side3}, bound, notInner};
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {

@@ -47,6 +47,8 @@ struct PredicateConstants {
 struct FacetSides {
     double orientation[4];
     double bound;
+    /// Bit i is set unless facet i certainly has the point on its inner side.
+    unsigned notInner;
 };
 
 /// The exact predicates.

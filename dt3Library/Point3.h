@@ -72,9 +72,9 @@ class VARN3D_EXPORT Point3 {
     double zz;
     Tet3* pOneTet = nullptr;
     std::int32_t index = -1;
-    /// The number that the vertex has in the cavity of the insertion that last met it. It sits in
-    /// what would be padding and means something only to that insertion.
-    std::int32_t cavityNumber = -1;
+    /// What the insertion that last met the vertex knows it by; it means nothing to others. It sits
+    /// in what would be padding.
+    std::uint32_t cavityNumber = 0xFFFFFFFF;
 };
 
 /// Prints the address, a tab, and the coordinates in fields of width 8.

@@ -168,6 +168,19 @@ TEST(Twin, portableKernelHasTheSameLabels) {
     degenerate.expectSameLabels();
 }
 
+// The limit makes every few insertions start over with the vertices' numbers, inside the hull and
+// outside it.
+TEST(Twin, numbersThatRunOutAreUsedAgain) {
+    Cavity::lastFirstNumber = 100;
+    Twins general;
+    general.batch(uniform(3000, 41));
+    general.expectSameLabels();
+    Twins degenerate;
+    degenerate.batch(lattice(100, 4, 4, 4, 42));
+    degenerate.singles(lattice(100, 6, 6, 6, 43));
+    degenerate.expectSameMesh();
+}
+
 // On small integers nothing is rounded, so that all kernels must yield the same numbers.
 TEST(Kernels, agreeOnIntegers) {
     std::mt19937 random(5);
