@@ -460,7 +460,7 @@ void Dt3::collectVisibleHullTets(const Point3* pVtx, Tet3* pCurTet, int opp3ICI)
     while (!hullEdges.empty()) {
         HullEdge edge = hullEdges.back();
         hullEdges.pop_back();
-        edge.turnToNextHullFacet();
+        hullTurns.turn(edge);
         engineCheck(MeshAccess::neighbour(edge.tet, edge.opp2) == nullptr,
                     "pCurTet->getOppTet(opp2ICI)==0", 1250);
         if (predicates.getOrientation3(edge.tet, edge.opp2, pVtx) == ORIENTATION3_NEGATIVE)

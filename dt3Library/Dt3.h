@@ -8,6 +8,7 @@
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
 #include "dt3Library/HullEdge.h"
+#include "dt3Library/HullTurns.h"
 #include "dt3Library/PointerPairSet.h"
 #include "dt3Library/TetRecycler.h"
 
@@ -131,6 +132,7 @@ class Dt3 {
     std::vector<Tet3*> vStaying;
     std::vector<Tet3*> vDoomed;
     std::vector<HullEdge> hullEdges;
+    HullTurns hullTurns;
     PointerPairSet seenEdges;
     PointerPairSet seenTets;
 };

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 #include "dt3Library/MeshAccess.h"
+#include "dt3Library/Profile.h"
 
 namespace VARN3D {
 
@@ -21,8 +23,10 @@ struct HullEdge {
     const Point3* low() const { return std::less<const Point3*>()(endA, endB) ? endA : endB; }
     const Point3* high() const { return low() == endA ? endB : endA; }
 
-    /// Goes on through tetrahedra at the edge until facet opp2 of one lies on the hull.
-    void turnToNextHullFacet() {
+    /// Goes on through tetrahedra at the edge until facet opp2 of one lies on the hull. Returns
+    /// through how many facets.
+    std::size_t turnToNextHullFacet() {
+        std::size_t numSteps = 0;
         while (Tet3* next = MeshAccess::neighbour(tet, opp2)) {
             // The facet to leave by lies opposite the corner that belongs neither to the edge nor
             // lies beyond the facet just crossed.
@@ -33,7 +37,10 @@ struct HullEdge {
                 ++nextOpp2;
             tet = next;
             opp2 = nextOpp2;
+            ++numSteps;
         }
+        VARN3D_COUNT(facetsTurned, numSteps);
+        return numSteps;
     }
 
     Tet3* tet;

@@ -19,6 +19,8 @@ struct Profile {
     /// Sphere tests that the insertion's common error bound could not decide.
     std::uint64_t sphereTestsBeyondBound = 0;
     std::uint64_t doomed = 0;
+    /// Facets crossed around hull edges, on the way from a hull facet to the next.
+    std::uint64_t facetsTurned = 0;
     std::uint64_t created = 0;
 
     double secondsStore = 0.0;

@@ -66,6 +66,16 @@ Points lastBits(std::size_t n) {
     });
 }
 
+/// In order: each new point sees hull facets at edges of high degree.
+Points momentCurve(int n) {
+    Points points;
+    for (int i = 0; i < n; ++i) {
+        const double t = static_cast<double>(i) / n;
+        points.emplace_back(t, t * t, t * t * t);
+    }
+    return points;
+}
+
 enum class Mode { Batch, Singles, FarBatches };
 
 struct Case {
@@ -115,6 +125,7 @@ const Case CASES[] = {
     {"outlierSingles",
      [] { return Points{Point3(1e9, 0, -1e9)} + support::uniform(scaled(5000), 1); },
      Mode::Singles},
+    {"momentSingles", [] { return momentCurve(300); }, Mode::Singles},
 };
 
 void insertAll(Varn_3D& mesh, Points points, Mode mode) {
@@ -147,12 +158,14 @@ TEST_P(Hostile, validAndCheap) {
     const auto insertions = static_cast<double>(work.insertions);
     const double walk = static_cast<double>(work.facetTests) / insertions;
     const double created = static_cast<double>(work.created) / insertions;
+    const double turned = static_cast<double>(work.facetsTurned) / insertions;
     const double tests = static_cast<double>(work.sphereTests) / static_cast<double>(work.created);
     std::cout << std::fixed << std::setprecision(1) << "| " << set.name << " | " << work.insertions
               << " | " << tets.size() << " | " << created << " | " << walk << " | "
-              << work.longestWalk << " | " << tests << " |" << std::endl;
+              << work.longestWalk << " | " << turned << " | " << tests << " |" << std::endl;
     EXPECT_LT(work.longestWalk, 2500U) << "the watchdog barks at 10000";
     EXPECT_LT(walk, 20.0 + 3.0 * created) << "facets tested a point, 13 on uniform points";
+    EXPECT_LT(turned, 20.0 + 5.0 * created) << "facets crossed around hull edges";
     EXPECT_LT(tests, 4.0) << "sphere tests a created tetrahedron, 1.8 on uniform points";
 }
 
