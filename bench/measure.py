@@ -177,6 +177,23 @@ class SetResult:
         }
 
 
+    @classmethod
+    def from_json(cls, point_set, raw):
+        """The result that as_json was made of, as far as the tables need it."""
+        result = cls(point_set)
+        result.profile = raw["profile"]
+        for name, figures in raw["engines"].items():
+            result.reports[name] = []
+            if "fault" in figures:
+                result.faults[name] = figures["fault"]
+                continue
+            for number in range(len(figures["seconds"])):
+                result.reports[name].append({
+                    key: value[number] if isinstance(value, list) else value
+                    for key, value in figures.items()})
+        return result
+
+
 # An engine so many times slower than ours on a set is measured once there: its ratio is in no doubt.
 SLOW = 8.0
 
