@@ -157,11 +157,11 @@ def markdown(machine, revision, rounds, groups, peers):
     phases, stages = profiles(groups)
     parts = [
         f"Revision {revision}, {machine['date']}, {machine['cpu']}, {machine['compiler']}; "
-        f"{rounds} rounds, one thread, pinned to one core. A ratio × above 1 says how many times "
+        f"rounds: {rounds}; one thread, pinned to one core. A ratio × above 1 says how many times "
         "faster than that engine Varn3D is: the median of the ratios within the rounds. Times a "
         "point are medians of the triangulation alone; memory is the peak above the input. "
-        "Engines whose mesh failed the check, or that took too long, show no time; those more than eight "
-        "times slower ran once.",
+        "Engines whose mesh failed the check, or that took too long, show no time; those more "
+        "than eight times slower ran once.",
         "### Against the peers",
         against_peers(groups, peers),
         faults(groups),
