@@ -154,7 +154,6 @@ def profiles(groups):
 
 
 def markdown(machine, revision, rounds, groups, peers):
-    phases, stages = profiles(groups)
     parts = [
         f"Revision {revision}, {machine['date']}, {machine['cpu']}, {machine['compiler']}; "
         f"rounds: {rounds}; one thread, pinned to one core. A ratio × above 1 says how many times "
@@ -169,14 +168,18 @@ def markdown(machine, revision, rounds, groups, peers):
         against_base(groups),
         "### Listing and locating",
         queries(groups, [OURS, *(p for p in peers if p.startswith("cgal"))]),
-        "### Where the time goes",
-        "From the counting variant of the library, which runs slower; facets walked, sphere tests, "
-        "doomed and created tetrahedra are counts an insertion.",
-        phases,
-        "Which stage decides, among the calls that reach the predicates themselves (most sphere "
-        "tests end at the bound that all tests of an insertion share):",
-        stages,
     ]
+    if any(result.profile for result in all_results(groups)):
+        phases, stages = profiles(groups)
+        parts += [
+            "### Where the time goes",
+            "From the counting variant of the library, which runs slower; facets walked, sphere tests, "
+            "doomed and created tetrahedra are counts an insertion.",
+            phases,
+            "Which stage decides, among the calls that reach the predicates themselves (most sphere "
+            "tests end at the bound that all tests of an insertion share):",
+            stages,
+        ]
     return "\n\n".join(part for part in parts if part) + "\n"
 
 
