@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <vector>
+#include <functional>
+#include <iterator>
+#include <unordered_map>
+#include <utility>
 
 #include "dt3Library/HullEdge.h"
 
@@ -25,51 +27,61 @@ class HullTurns {
     }
 
   private:
-    struct Place {
-        const Point3* low = nullptr;
-        const Point3* high = nullptr;
-        Tet3* tet = nullptr;
+    using Ends = std::pair<const Point3*, const Point3*>;
+
+    struct HashOfEnds {
+        std::size_t operator()(const Ends& ends) const {
+            const std::hash<const Point3*> hash;
+            return hash(ends.first) * 31 + hash(ends.second);
+        }
     };
 
     static constexpr std::size_t LONG_TURN = 32;
-    /// A place holds the last edge that came there.
-    static constexpr std::size_t NUM_PLACES = std::size_t{1} << 14;
+    static constexpr std::size_t FEW_TURNS = 1024;
 
-    Place& placeOf(const HullEdge& edge) {
-        const std::uint64_t hash =
-            (reinterpret_cast<std::uintptr_t>(edge.low()) * 0x9E3779B97F4A7C15U ^
-             reinterpret_cast<std::uintptr_t>(edge.high())) *
-            0xC2B2AE3D27D4EB4FU;
-        return places[static_cast<std::size_t>(hash >> 32) % NUM_PLACES];
+    /// The hull facet of the tetrahedron at the edge between the ends, other than notThis; -1 if it
+    /// has none, or is no longer in the mesh.
+    static int hullFacetAt(const Ends& ends, const Tet3* tet, int notThis) {
+        if (MeshAccess::visited(tet)) return -1;
+        int numEnds = 0;
+        int facet = -1;
+        for (int i = 0; i < 4; ++i) {
+            const Point3* corner = MeshAccess::corner(tet, i);
+            if (corner == ends.first || corner == ends.second)
+                ++numEnds;
+            else if (i != notThis && MeshAccess::neighbour(tet, i) == nullptr)
+                facet = i;
+        }
+        return numEnds == 2 ? facet : -1;
     }
 
     bool isRemembered(HullEdge& edge) {
-        if (places.empty()) return false;
-        const Place& place = placeOf(edge);
-        if (place.low != edge.low() || place.high != edge.high()) return false;
-        if (MeshAccess::visited(place.tet)) return false;
-        int numEnds = 0;
-        int end = -1;
-        for (int i = 0; i < 4; ++i) {
-            const Point3* corner = MeshAccess::corner(place.tet, i);
-            if (corner == place.low || corner == place.high)
-                ++numEnds;
-            else if (MeshAccess::neighbour(place.tet, i) == nullptr &&
-                     (place.tet != edge.tet || i == edge.opp2))
-                end = i;
-        }
-        if (numEnds != 2 || end < 0) return false;
-        edge.tet = place.tet;
-        edge.opp2 = end;
+        if (lastTets.empty()) return false;
+        const auto found = lastTets.find({edge.low(), edge.high()});
+        if (found == lastTets.end()) return false;
+        Tet3* tet = found->second;
+        const int facet = hullFacetAt(found->first, tet, tet == edge.tet ? edge.opp2 : -1);
+        if (facet < 0) return false;
+        edge.tet = tet;
+        edge.opp2 = facet;
         return true;
     }
 
     void remember(const HullEdge& edge) {
-        if (places.empty()) places.resize(NUM_PLACES);
-        placeOf(edge) = {edge.low(), edge.high(), edge.tet};
+        if (lastTets.size() >= maxTurns) forgetOldTurns();
+        lastTets[{edge.low(), edge.high()}] = edge.tet;
     }
 
-    std::vector<Place> places;
+    /// Keeps what is remembered within twice what is of use.
+    void forgetOldTurns() {
+        for (auto turn = lastTets.begin(); turn != lastTets.end();)
+            turn = hullFacetAt(turn->first, turn->second, -1) < 0 ? lastTets.erase(turn)
+                                                                  : std::next(turn);
+        maxTurns = FEW_TURNS + 2 * lastTets.size();
+    }
+
+    std::unordered_map<Ends, Tet3*, HashOfEnds> lastTets;
+    std::size_t maxTurns = FEW_TURNS;
 };
 
 }  // namespace VARN3D
