@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <iterator>
 #include <unordered_map>
 #include <utility>
@@ -29,19 +29,23 @@ class HullTurns {
   private:
     using Ends = std::pair<const Point3*, const Point3*>;
 
+    /// Vertices lie side by side, and so do the ends of edges: their numbers must be mixed well.
     struct HashOfEnds {
         std::size_t operator()(const Ends& ends) const {
-            const std::hash<const Point3*> hash;
-            return hash(ends.first) * 31 + hash(ends.second);
+            const auto first = reinterpret_cast<std::uintptr_t>(ends.first);
+            const auto second = reinterpret_cast<std::uintptr_t>(ends.second);
+            const std::uint64_t mixed =
+                (first * 0x9E3779B97F4A7C15U ^ second) * 0xC2B2AE3D27D4EB4FU;
+            return static_cast<std::size_t>(mixed ^ mixed >> 32);
         }
     };
 
     static constexpr std::size_t LONG_TURN = 32;
     static constexpr std::size_t FEW_TURNS = 1024;
 
-    /// The hull facet of the tetrahedron at the edge between the ends, other than notThis; -1 if it
-    /// has none, or is no longer in the mesh.
-    static int hullFacetAt(const Ends& ends, const Tet3* tet, int notThis) {
+    /// A hull facet of the tetrahedron at the edge between the ends; -1 if it has none, or is no
+    /// longer in the mesh.
+    static int hullFacetAt(const Ends& ends, const Tet3* tet) {
         if (MeshAccess::visited(tet)) return -1;
         int numEnds = 0;
         int facet = -1;
@@ -49,7 +53,7 @@ class HullTurns {
             const Point3* corner = MeshAccess::corner(tet, i);
             if (corner == ends.first || corner == ends.second)
                 ++numEnds;
-            else if (i != notThis && MeshAccess::neighbour(tet, i) == nullptr)
+            else if (MeshAccess::neighbour(tet, i) == nullptr)
                 facet = i;
         }
         return numEnds == 2 ? facet : -1;
@@ -59,8 +63,10 @@ class HullTurns {
         if (lastTets.empty()) return false;
         const auto found = lastTets.find({edge.low(), edge.high()});
         if (found == lastTets.end()) return false;
+        // The tetrahedron to begin with has the hull facet to be left, which is not the end.
         Tet3* tet = found->second;
-        const int facet = hullFacetAt(found->first, tet, tet == edge.tet ? edge.opp2 : -1);
+        if (tet == edge.tet) return false;
+        const int facet = hullFacetAt(found->first, tet);
         if (facet < 0) return false;
         edge.tet = tet;
         edge.opp2 = facet;
@@ -75,8 +81,8 @@ class HullTurns {
     /// Keeps what is remembered within twice what is of use.
     void forgetOldTurns() {
         for (auto turn = lastTets.begin(); turn != lastTets.end();)
-            turn = hullFacetAt(turn->first, turn->second, -1) < 0 ? lastTets.erase(turn)
-                                                                  : std::next(turn);
+            turn =
+                hullFacetAt(turn->first, turn->second) < 0 ? lastTets.erase(turn) : std::next(turn);
         maxTurns = FEW_TURNS + 2 * lastTets.size();
     }
 
