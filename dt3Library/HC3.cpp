@@ -151,6 +151,39 @@ void HC3::insertFirstBatch(const std::vector<Point3>& points,
     bPoolInCurveOrder = true;
 }
 
+/// Those points of a run that equal an earlier one of it, in the order of the run.
+std::vector<HC3::Duplicate> HC3::findDuplicates(const std::vector<Point3>& points,
+                                                const KeyedPosition* first,
+                                                const KeyedPosition* last) const {
+    struct Entry {
+        double x;  // decides nearly always, without a look at the points
+        std::size_t position;
+    };
+    std::vector<Entry> sorted;
+    sorted.reserve(static_cast<std::size_t>(last - first));
+    for (const KeyedPosition* keyed = first; keyed != last; ++keyed)
+        sorted.push_back({points[positionOf(*keyed)].x(), positionOf(*keyed)});
+    std::sort(sorted.begin(), sorted.end(), [&](const Entry& a, const Entry& b) {
+        if (a.x < b.x || b.x < a.x) return a.x < b.x;
+        const Point3& pa = points[a.position];
+        const Point3& pb = points[b.position];
+        return pa < pb || (!(pb < pa) && a.position < b.position);
+    });
+    // The first of each group of equals is the one that becomes a vertex.
+    std::vector<Duplicate> duplicates;
+    std::size_t original = sorted.front().position;
+    for (const Entry& entry : sorted) {
+        if (entry.position == original) continue;
+        if (points[entry.position] == points[original])
+            duplicates.push_back({entry.position, original});
+        else
+            original = entry.position;
+    }
+    std::sort(duplicates.begin(), duplicates.end(),
+              [](const Duplicate& a, const Duplicate& b) { return a.position < b.position; });
+    return duplicates;
+}
+
 /// Enters points that share a key: only among these can there be equal coordinates.
 void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
                     const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
@@ -163,28 +196,12 @@ void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* firs
         enter(positionOf(*first));
         return;
     }
-    // Sorted by coordinates, the first of each group of equals is the one that becomes a vertex.
-    std::vector<KeyedPosition> sorted(first, last);
-    std::sort(sorted.begin(), sorted.end(), [&](KeyedPosition a, KeyedPosition b) {
-        const Point3& pa = points[positionOf(a)];
-        const Point3& pb = points[positionOf(b)];
-        return pa < pb || (!(pb < pa) && a < b);
-    });
-    std::vector<std::pair<std::size_t, std::size_t>> duplicates;  // (position, its original's)
-    std::size_t original = positionOf(sorted.front());
-    for (std::size_t i = 1; i < sorted.size(); ++i) {
-        const std::size_t position = positionOf(sorted[i]);
-        if (points[position] == points[original])
-            duplicates.emplace_back(position, original);
-        else
-            original = position;
-    }
-    std::sort(duplicates.begin(), duplicates.end());
+    const std::vector<Duplicate> duplicates = findDuplicates(points, first, last);
     auto duplicate = duplicates.begin();
     for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
         const std::size_t position = positionOf(*keyed);
-        if (duplicate != duplicates.end() && duplicate->first == position)
-            vUserHandles[position] = vUserHandles[(duplicate++)->second];
+        if (duplicate != duplicates.end() && duplicate->position == position)
+            vUserHandles[position] = vUserHandles[(duplicate++)->original];
         else
             enter(position);
     }

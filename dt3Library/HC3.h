@@ -58,6 +58,12 @@ class HC3 {
     /// compares keys first.
     using KeyedPosition = std::uint64_t;
 
+    /// Positions in a batch of a point and of the earlier one that it equals.
+    struct Duplicate {
+        std::size_t position;
+        std::size_t original;
+    };
+
     unsigned positionBits() const { return 64 - numBits; }
     std::uint64_t positionOf(KeyedPosition keyed) const {
         return keyed & ((std::uint64_t{1} << positionBits()) - 1);
@@ -69,6 +75,9 @@ class HC3 {
     void insertFirstBatch(const std::vector<Point3>& points,
                           const std::vector<KeyedPosition>& vHIndexIndexPair,
                           std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
+    std::vector<Duplicate> findDuplicates(const std::vector<Point3>& points,
+                                          const KeyedPosition* first,
+                                          const KeyedPosition* last) const;
     void insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
                    const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                    std::vector<Point3*>& vNew);

@@ -37,6 +37,12 @@ class WalkStarts {
     using Position = std::uint32_t;
     static constexpr Position NONE = 0xFFFFFFFF;
 
+    struct Ranked {
+        std::uint64_t cellCode;
+        Position position;
+    };
+
+    void sortInSpace(Ranked* first, Ranked* last, const Bbox3& box) const;
     Point3* vertexAt(Position position) const { return (*pVertices)[position]; }
     template <class F>
     void forNeighbours(std::size_t position, F f) const;

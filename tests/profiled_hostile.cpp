@@ -66,6 +66,16 @@ Points lastBits(std::size_t n) {
     });
 }
 
+/// Sixty clusters around the origin, each within a cell of the one before.
+Points nestedClusters(std::size_t n) {
+    Points points = support::uniform(n, 7);
+    for (std::size_t i = 0; i < n; ++i) {
+        const double size = std::ldexp(1.0, -12 * static_cast<int>(i % 60));
+        points[i] = Point3(points[i].x() * size, points[i].y() * size, points[i].z() * size);
+    }
+    return points;
+}
+
 /// In order: each new point sees hull facets at edges of high degree.
 Points momentCurve(int n) {
     Points points;
@@ -118,6 +128,7 @@ const Case CASES[] = {
      }},
     {"duplicates", [] { return support::lattice(scaled(50000), 4, 4, 4, 1); }},
     {"lastBits", [] { return lastBits(scaled(20000)); }},
+    {"nestedClusters", [] { return nestedClusters(scaled(20000)); }},
     {"farBatches", [] { return support::uniform(scaled(5000), 1); }, Mode::FarBatches},
     {"rodXSingles", [] { return box(scaled(5000), 1, 1e-3, 1e-3); }, Mode::Singles},
     {"rodYSingles", [] { return box(scaled(5000), 1e-3, 1, 1e-3); }, Mode::Singles},
