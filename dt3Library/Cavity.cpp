@@ -183,7 +183,7 @@ inline void Cavity::visitNeighbours(const Doomed& current) {
         }
         inRegion |= (MeshAccess::visited(neighbour) ? 1U : 0U) << i;
         const std::uintptr_t facet = mixed ^ addressOf(MeshAccess::corner(current.tet, i));
-        Point3* vertex = reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet);
+        auto* vertex = reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet);
         beyondVertices[i] = vertex;
         const std::uint32_t number = numberIfMet(vertex);
         beyond[i] = static_cast<int>(number);
