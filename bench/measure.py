@@ -176,7 +176,6 @@ class SetResult:
             "profile": self.profile,
         }
 
-
     @classmethod
     def from_json(cls, point_set, raw):
         """The result that as_json was made of, as far as the tables need it."""
