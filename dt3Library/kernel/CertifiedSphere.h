@@ -10,9 +10,9 @@ namespace VARN3D {
 /// Under which conditions a circumsphere computed in doubles is certain to answer, and how far from
 /// it a point must be.
 ///
-/// Theorem. Let p, a, b, c be finite with no coordinate above 2^30, and reach at least |p|inf and
-/// LEAST_REACH. Then whatever `sideOfSphere` says but 0 of a sphere of `makeSphere` and a finite q
-/// is true of the exact sphere through p, a, b, c; of a point on that sphere it says 0.
+/// Theorem. Let p, a, b, c be finite with no coordinate above MAX_COORDINATE, and reach at least
+/// |p|inf and LEAST_REACH. Then whatever `sideOfSphere` says but 0 of a sphere of `makeSphere` and
+/// a finite q is true of the exact sphere through p, a, b, c; of a point on that sphere it says 0.
 ///
 /// What is assumed: doubles rounded to nearest, with denormals; division rounded as well. Products
 /// may be fused into sums in any pattern, sums of three terms added in any order, so that scalar
@@ -71,6 +71,7 @@ struct ProvedCertificate {
     static constexpr double RADIUS = 0x1p-50;
     static constexpr double LEAST_DETERMINANT = 0x1p-800;
     static constexpr double LEAST_REACH = 0x1p-30;
+    static constexpr double MAX_COORDINATE = 0x1p30;
     /// The roots of 1 / DETERMINANT and 1 / RADIUS, for the inequality of (k).
     static constexpr double MAX_CONDITION = 0x1p23;
     static constexpr double MAX_DISTANCE = 0x1p25;
