@@ -13,6 +13,7 @@
 #include "dt3Library/Profile.h"
 #include "dt3Library/Visualizer3.h"
 #include "dt3Library/WalkStarts.h"
+#include "dt3Library/kernel/BatchInsertion.h"
 
 namespace VARN3D {
 
@@ -49,7 +50,8 @@ void requireFinite(const Point3& point, std::size_t position, const char* who) {
 
 }  // namespace
 
-Dt3::Dt3(Varn_3D* pTheOwner) : cavity(predicates, tets), pOwner(pTheOwner) {}
+Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
+    : cavity(predicates, tets), pOwner(pTheOwner), kernelSteps(theSteps) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
@@ -72,7 +74,12 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
         store.insert(vInputPoints, vUserHandles, vNew);
     }
     if (bFullDimensional) {
-        triangulate(vNew, vNew.empty() ? pRecentTet : startTetNear(*vNew.front()));
+        Tet3* start = vNew.empty() ? pRecentTet : startTetNear(*vNew.front());
+        if (!vNew.empty() &&
+            BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size()))
+            insertByKernel(vNew, start);
+        else
+            triangulate(vNew, start);
         return;
     }
     if (!spansSpace(vNew)) return;
@@ -84,7 +91,11 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
         vNew.clear();
         store.getVertices(vNew);
     }
-    triangulate(vNew, first);
+    insertByKernel(vNew, first);
+}
+
+void Dt3::insertByKernel(std::vector<Point3*>& vVertices, const Tet3* pStart) {
+    pRecentTet = BatchInsertion(predicates, kernelSteps, tets, store).run(vVertices, pStart);
 }
 
 Point3* Dt3::insert(const Point3& point) {

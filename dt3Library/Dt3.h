@@ -11,6 +11,7 @@
 #include "dt3Library/HullTurns.h"
 #include "dt3Library/PointerPairSet.h"
 #include "dt3Library/TetRecycler.h"
+#include "dt3Library/kernel/BatchState.h"
 
 namespace VARN3D {
 
@@ -40,7 +41,8 @@ class Dt3 {
         LOCATION_STOPPED = -99,
     };
 
-    explicit Dt3(Varn_3D* pOwner);
+    /// The mesh doesn't depend on the kernel's steps.
+    explicit Dt3(Varn_3D* pOwner, const KernelSteps& steps = fastestSteps());
     Dt3(const Dt3&) = delete;
     Dt3& operator=(const Dt3&) = delete;
 
@@ -88,6 +90,7 @@ class Dt3 {
     bool spansSpace(const std::vector<Point3*>& vNew);
 
     // Insertion steps
+    void insertByKernel(std::vector<Point3*>& vVertices, const Tet3* pStart);
     Tet3* startTetNear(const Point3& point);
     void beginCavity(Point3* pVtx);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
@@ -123,6 +126,7 @@ class Dt3 {
     HC3 store;
     AffineSpan span;
     Varn_3D* pOwner;
+    const KernelSteps& kernelSteps;
     bool bVerbose = false;
     /// A tetrahedron of the mesh: where the last insertion ended.
     Tet3* pRecentTet = nullptr;

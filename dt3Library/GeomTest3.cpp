@@ -146,8 +146,13 @@ FacetSides GeomTest3::seeFacets(const Tet3* pTet, const Point3* p) const {
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
-    const Points<Sphere> points{{MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
-                                 MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE}};
+    return sphereInclusionTest(MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
+                               MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE);
+}
+
+SphereInclusion GeomTest3::sphereInclusionTest(const Point3* pa, const Point3* pb, const Point3* pc,
+                                               const Point3* pd, const Point3* pE) const {
+    const Points<Sphere> points{{pa, pb, pc, pd, pE}};
     const Decision decision = decide(points, constants.isperrboundA);
     VARN3D_COUNT_STAGE(sphere, decision.stage);
     if (decision.sign != 0) return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;

@@ -52,6 +52,7 @@ class HC3 {
     void getVertices(std::vector<Point3*>& vVertices) const;
 
     const Bbox3& getBbox() const { return bbox; }
+    const SimplePool<Point3>& getPool() const { return vertices; }
 
   private:
     /// A key in the upper numBits bits and a position below it, so that comparing two numbers

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 
 #include "dt3Library/Point3.h"
 #include "dt3Library/Tet3.h"
@@ -29,6 +30,8 @@ struct MeshAccess {
         return static_cast<std::uint32_t>(
             Tet3::runningLabel.fetch_add(static_cast<std::int32_t>(n), std::memory_order_relaxed));
     }
+    /// A record in raw memory, without label, corners and neighbours.
+    static Tet3* newRecord(void* memory) { return new (memory) Tet3(Tet3::Blank{}); }
     /// What `Tet3::setProperties` does, under a label reserved before.
     static void fill(Tet3* t, std::uint32_t label, Point3* p0, Point3* p1, Point3* p2, Point3* p3) {
         t->hasBeenVisited = false;

@@ -115,6 +115,9 @@ class VARN3D_EXPORT Tet3 {
     friend struct MeshAccess;
     friend VARN3D_EXPORT std::ostream& operator<<(std::ostream& out, const Tet3& tet);
 
+    /// A record to be filled, without a label.
+    struct Blank {};
+    explicit Tet3(Blank) {}
     Tet3(const Tet3& other);
     [[noreturn]] static void failRange03(int ith);
 

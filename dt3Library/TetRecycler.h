@@ -65,6 +65,29 @@ class TetRecycler {
         }
     }
 
+    const SimplePool<Tet3>& getPool() const { return pool; }
+
+    /// Calls f(Tet3*) for each record that is in no mesh.
+    template <class F>
+    void forEachDead(F f) const {
+        for (Tet3* dead : vReleased) f(dead);
+        for (Tet3* dead : vReusable) f(dead);
+    }
+
+    /// Takes over the records of another mesh, of which these are dead, in place of all its own.
+    void replaceBy(SimplePool<Tet3>& newPool, std::vector<Tet3*>& vDead) noexcept {
+        pool.swap(newPool);
+        vReleased.clear();
+        vReusable.swap(vDead);
+    }
+
+    /// Drops all records.
+    void reset() {
+        pool.reset();
+        vReleased.clear();
+        vReusable.clear();
+    }
+
   private:
     SimplePool<Tet3> pool;
     std::vector<Tet3*> vReleased;

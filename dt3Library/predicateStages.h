@@ -70,6 +70,9 @@ struct Estimate {
 // nothing is greater than the bound.
 constexpr double UNDERFLOW = 0x1p-1000;
 
+/// Shewchuk's constant for the sphere test's first stage.
+constexpr double SPHERE_FILTER_BOUND = (16.0 + 224.0 * 0x1p-53) * 0x1p-53;
+
 /// Shewchuk's 3D orientation of a, b, c against the last point; rows are differences to that point.
 struct Orientation {
     static constexpr int NUM_ROWS = 3;

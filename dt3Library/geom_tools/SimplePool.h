@@ -66,6 +66,17 @@ class SimplePool {
     /// Takes all slots back. The first block is kept for reuse, the others are freed.
     void reset();
 
+    /// Takes over memory from malloc as its newest block: `size` slots, of which the first `used`
+    /// count as handed out. What is left of the present block is not handed out any more. Throws
+    /// std::bad_alloc, and then the memory remains the caller's.
+    void adopt(void* pMemory, std::int32_t size, std::int32_t used);
+
+    /// The block that is being filled.
+    T* getLastBlock() const { return pCurrentBlock; }
+
+    /// Exchanges all blocks and slots with another pool.
+    void swap(SimplePool& other) noexcept;
+
     /// The sizes of all blocks ever made, in slots and in the order of their making; `reset`
     /// forgets none of them.
     const std::vector<std::int32_t>& getBlockSizes() const { return vSizes; }
@@ -161,6 +172,28 @@ void SimplePool<T>::useLastBlock() {
     pCurrentBlock = vBlocks.back().pSlots.get();
     currentBlockSize = vBlocks.back().size;
     nextIndex = -1;
+}
+
+template <class T>
+void SimplePool<T>::adopt(void* pMemory, std::int32_t size, std::int32_t used) {
+    vSizes.reserve(vSizes.size() + 1);
+    vBlocks.reserve(vBlocks.size() + 1);
+    // Only what the last block has handed out is in use from now on.
+    vBlocks.back().size = nextIndex + 1;
+    vBlocks.push_back({std::unique_ptr<T, FreeBlock>(static_cast<T*>(pMemory)), size});
+    vSizes.push_back(size);
+    useLastBlock();
+    nextIndex = used - 1;
+}
+
+template <class T>
+void SimplePool<T>::swap(SimplePool& other) noexcept {
+    std::swap(pCurrentBlock, other.pCurrentBlock);
+    std::swap(nextIndex, other.nextIndex);
+    std::swap(currentBlockSize, other.currentBlockSize);
+    std::swap(initialized, other.initialized);
+    vBlocks.swap(other.vBlocks);
+    vSizes.swap(other.vSizes);
 }
 
 template <class T>

@@ -1,0 +1,103 @@
+#include "dt3Library/kernel/BatchInsertion.h"
+
+#include "dt3Library/InsertionOrder.h"
+#include "dt3Library/MeshAccess.h"
+#include "dt3Library/kernel/EarlierNeighbours.h"
+#include "dt3Library/kernel/MeshLoader.h"
+#include "dt3Library/kernel/RecordWriter.h"
+
+namespace VARN3D {
+
+namespace {
+
+/// As many as uniformly distributed points need, and some more.
+constexpr std::size_t expectedTets(std::size_t numVertices) {
+    return 7 * numVertices + numVertices / 8 + 256;
+}
+
+}  // namespace
+
+BatchInsertion::BatchInsertion(const GeomTest3& geomTest, const KernelSteps& kernelSteps,
+                               TetRecycler& recycler, const HC3& vertexStore)
+    : predicates(geomTest),
+      steps(kernelSteps),
+      tets(recycler),
+      records(recycler.getPool()),
+      storeIndex(vertexStore.getPool()) {}
+
+Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
+    points.assign(1, nullptr);
+    points.reserve(storeIndex.size() + 1);
+    listMeshVertices();
+    listNewVertices(vVertices);
+    setUpState();
+    MeshLoader loader(tets, records, storeIndex, numberInStore, *state);
+    loader.load(steps);
+    insertAll(loader.slotOfRecord(pStart));
+    return RecordWriter(*state, points, firstNew, records).writeTo(tets);
+}
+
+void BatchInsertion::listMeshVertices() {
+    numberInStore.assign(storeIndex.size(), AT_INFINITY);
+    for (std::size_t place = 0; place < storeIndex.size(); ++place) {
+        Point3* const vertex = storeIndex.at(place);
+        if (vertex->getOneTet() == nullptr) continue;
+        numberInStore[place] = static_cast<VertexNumber>(points.size());
+        points.push_back(vertex);
+    }
+    firstNew = static_cast<VertexNumber>(points.size());
+}
+
+/// Takes the list's memory away.
+void BatchInsertion::listNewVertices(std::vector<Point3*>& vVertices) {
+    InsertionOrder order(vVertices.size());
+    for (std::size_t position; order.next(position);)
+        if (vVertices[position]->getOneTet() == nullptr) points.push_back(vVertices[position]);
+    std::vector<Point3*>().swap(vVertices);
+}
+
+/// The frame of all vertices, such that no coordinate is rounded.
+ExactFrame BatchInsertion::frameOfAll() const {
+    Bbox3 box;
+    for (std::size_t i = 1; i < points.size(); ++i) box.add(*points[i]);
+    const ExactFrame frame({box.getMinX(), box.getMinY(), box.getMinZ()},
+                           {box.getMaxX(), box.getMaxY(), box.getMaxZ()});
+    if (!frame.mayLoseBits()) return frame;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        if (!frame.isExactFor({points[i]->x(), points[i]->y(), points[i]->z()}))
+            return ExactFrame();
+    return frame;
+}
+
+void BatchInsertion::setUpState() {
+    const std::size_t numVertices = points.size() - 1;
+    const ExactFrame frame = frameOfAll();
+    state = std::make_unique<BatchState>(predicates, numVertices,
+                                         records.size() + expectedTets(points.size() - firstNew),
+                                         frame.isCertifiable());
+    CompactVertex* const vertices = state->mesh.vertices();
+    for (std::size_t i = 1; i <= numVertices; ++i) {
+        frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
+        vertices[i].firstLabel = 0;
+    }
+}
+
+void BatchInsertion::insertAll(Slot start) {
+    const auto numVertices = static_cast<VertexNumber>(points.size() - 1);
+    VertexNumber vertex = firstNew;
+    // Four steps a vertex are far more than walks take where the order leads from each vertex to
+    // one beside it.
+    for (; vertex <= numVertices && state->numSteps <= 4 * std::uint64_t{vertex - firstNew} + 4096;
+         ++vertex)
+        start = steps.insertVertex(*state, vertex, start);
+    if (vertex > numVertices) return;
+
+    const EarlierNeighbours neighbours(points, vertex);
+    state->listIncident();
+    for (; vertex <= numVertices; ++vertex) {
+        const VertexNumber near = neighbours.nearestTo(state->mesh.vertices(), vertex);
+        start = steps.insertVertex(*state, vertex, state->incident[near]);
+    }
+}
+
+}  // namespace VARN3D

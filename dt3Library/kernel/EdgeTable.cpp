@@ -1,0 +1,56 @@
+#include "dt3Library/kernel/EdgeTable.h"
+
+namespace VARN3D {
+
+namespace {
+
+constexpr std::uint64_t NO_EDGE = ~std::uint64_t{0};
+
+/// Edge k of a facet runs from its corner k to the next; the new tetrahedron's corner opposite the
+/// facet that holds this edge and the new vertex.
+constexpr unsigned OPPOSITE[3] = {3, 1, 2};
+
+constexpr std::uint64_t edgeOf(std::uint32_t from, std::uint32_t to) {
+    return std::uint64_t{from} << 32 | to;
+}
+
+}  // namespace
+
+void EdgeTable::grow(std::size_t numVertices) {
+    unsigned newShift = shift;
+    while (numVertices > std::size_t{1} << newShift) ++newShift;
+    table.assign(std::size_t{1} << 2 * newShift, 0);
+    shift = newShift;
+}
+
+std::size_t EdgeTable::linkByHashing(const std::vector<CavityFacet>& facets, std::size_t numFacets,
+                                     const Slot* slots, CompactTet* tets) {
+    std::size_t capacity = 4096;
+    while (capacity < 6 * numFacets) capacity *= 2;
+    hash.assign(capacity, {NO_EDGE, 0});
+    const auto place = [&](std::uint64_t edge) {
+        std::size_t at =
+            static_cast<std::size_t>(edge * 0x9E3779B97F4A7C15U >> 20) & (capacity - 1);
+        while (hash[at].edge != NO_EDGE && hash[at].edge != edge) at = (at + 1) & (capacity - 1);
+        return at;
+    };
+    for (std::size_t i = 0; i < numFacets; ++i) {
+        const auto& number = facets[i].number;
+        for (unsigned k = 0; k < 3; ++k) {
+            const std::uint64_t edge = edgeOf(number[k], number[(k + 1) % 3]);
+            hash[place(edge)] = {edge, facetCode(slots[i], OPPOSITE[k])};
+        }
+    }
+    std::size_t numUnpaired = 0;
+    for (std::size_t i = 0; i < numFacets; ++i) {
+        const auto& number = facets[i].number;
+        for (unsigned k = 0; k < 3; ++k) {
+            const Entry& partner = hash[place(edgeOf(number[(k + 1) % 3], number[k]))];
+            if (partner.edge == NO_EDGE) ++numUnpaired;
+            tets[slots[i]].link[OPPOSITE[k]] = partner.code;
+        }
+    }
+    return numUnpaired;
+}
+
+}  // namespace VARN3D

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "dt3Library/GeomTest3.h"
+#include "dt3Library/kernel/CompactMesh.h"
+
+namespace VARN3D {
+
+/// Decisions about the compact mesh by the exact predicates.
+///
+/// A finite tetrahedron is in conflict with a point strictly inside its circumsphere; a ghost with
+/// one strictly beyond its hull facet, or in that facet's plane and in conflict with the finite
+/// neighbour.
+class ExactTests {
+  public:
+    ExactTests(const GeomTest3& geomTest, const CompactMesh& compactMesh)
+        : predicates(geomTest), mesh(compactMesh) {}
+
+    bool isInConflict(Slot tet, VertexNumber point) const;
+
+    /// A visibility walk to a tetrahedron in conflict with the point. Ends on every mesh without
+    /// faults; where it does not, prints "watchDog: bad point", and a check fails.
+    Slot walk(Slot start, VertexNumber point) const;
+
+  private:
+    Point3 pointOf(VertexNumber vertex) const;
+    Orientation3 orientationWith(const CompactTet& tet, unsigned corner, VertexNumber point) const;
+    bool isInSphere(const CompactTet& tet, VertexNumber point) const;
+
+    const GeomTest3& predicates;
+    const CompactMesh& mesh;
+};
+
+}  // namespace VARN3D

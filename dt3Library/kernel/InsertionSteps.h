@@ -1,0 +1,413 @@
+// No include guard: compiled once for each kind of processor, inside a namespace that holds the
+// lanes for it. See InsertionPortable.cpp.
+
+/// How many tetrahedra of the region are visited in one step.
+constexpr unsigned WIDTH = 4;
+
+inline LanePositions positionOf(const double (&at)[3]) {
+    return {allLanes(at[0]), allLanes(at[1]), allLanes(at[2])};
+}
+
+inline LanePositions gatherVertices(const CompactVertex* vertices, VertexNumber a, VertexNumber b,
+                                    VertexNumber c, VertexNumber d) {
+    return gather(vertices[a].at, vertices[b].at, vertices[c].at, vertices[d].at);
+}
+
+inline LanePositions operator-(const LanePositions& a, const LanePositions& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+inline Lanes squaredLength(const LanePositions& v) {
+    return multiplyAdd(v.z, v.z, multiplyAdd(v.y, v.y, v.x * v.x));
+}
+
+inline LanePositions cross(const LanePositions& v, const LanePositions& w) {
+    return {multiplySubtract(v.y, w.z, v.z * w.y), multiplySubtract(v.z, w.x, v.x * w.z),
+            multiplySubtract(v.x, w.y, v.y * w.x)};
+}
+
+// ---- Walk --------------------------------------------------------------------------------------
+
+inline Look lookAtNeighbours(const CompactTet* tets, const CompactTet& tet, const LanePositions& p,
+                             std::uint32_t mark) {
+    return lookAt(tets + slotOf(tet.link[0]), tets + slotOf(tet.link[1]),
+                  tets + slotOf(tet.link[2]), tets + slotOf(tet.link[3]), p, mark);
+}
+
+/// Walks to a tetrahedron in conflict with the vertex by comparing powers. The power of a point,
+/// |p - c|^2 - r^2, falls across a facet exactly when the point lies beyond it, so a step to a
+/// smaller power is a step of a visibility walk that reads no corner. The value of the present
+/// tetrahedron is carried along and each next one must be less, so the walk cannot come back;
+/// where rounding or a sphere that is not certified stops it, the exact walk takes over.
+inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
+    constexpr unsigned MAX_STEPS = 1000;
+    const CompactTet* const tets = state.mesh.tets();
+    const LanePositions p = positionOf(state.mesh.vertices()[vertex].at);
+    const Lanes inner = allLanes(1.0 - ProvedCertificate::ETA);
+    Slot slot = start;
+    const CompactTet* const first = tets + slot;
+    const Look here = lookAt(first, first, first, first, p, 0);
+    if (whereLess(here.squaredDistance, here.squaredRadius * inner) != 0) return slot;
+    double power = leastLane(here.squaredDistance - here.squaredRadius).value;
+    for (unsigned step = 0; step < MAX_STEPS; ++step) {
+        ++state.numSteps;
+        const CompactTet& tet = tets[slot];
+        const Look look = lookAtNeighbours(tets, tet, p, 0);
+        const unsigned inside = whereLess(look.squaredDistance, look.squaredRadius * inner);
+        if (inside != 0) return slotOf(tet.link[lowestBit(inside)]);
+        const LeastLane least = leastLane(look.squaredDistance - look.squaredRadius);
+        if (!(least.value < power)) break;
+        power = least.value;
+        slot = slotOf(tet.link[least.lane]);
+    }
+    slot = state.exact.walk(slot, vertex);
+    engineCheck(state.exact.isInConflict(slot, vertex),
+                "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
+    return slot;
+}
+
+// ---- Conflict region ---------------------------------------------------------------------------
+
+/// The sphere determinants of four finite tetrahedra, evaluated and bounded as the predicates'
+/// filter does. Sets the bits of those certainly inside and certainly outside.
+inline void testDeterminants(const CompactMesh& mesh, const Slot* slots, const LanePositions& p,
+                             unsigned& inside, unsigned& outside) {
+    const CompactTet* const tets = mesh.tets();
+    LanePositions row[4];
+    Lanes lift[4];
+    for (unsigned k = 0; k < 4; ++k) {
+        row[k] = gatherVertices(mesh.vertices(), tets[slots[0]].vertex[k], tets[slots[1]].vertex[k],
+                                tets[slots[2]].vertex[k], tets[slots[3]].vertex[k]) -
+                 p;
+        lift[k] = (row[k].x * row[k].x + row[k].y * row[k].y) + row[k].z * row[k].z;
+    }
+    struct Minor {
+        Lanes value, size;
+    };
+    const auto minor = [&row](unsigned i, unsigned k) {
+        const Lanes ik = row[i].x * row[k].y;
+        const Lanes ki = row[k].x * row[i].y;
+        return Minor{ik - ki, sizeOf(ik) + sizeOf(ki)};
+    };
+    const Minor ab = minor(0, 1), bc = minor(1, 2), cd = minor(2, 3);
+    const Minor da = minor(3, 0), ac = minor(0, 2), bd = minor(1, 3);
+    const Lanes za = row[0].z, zb = row[1].z, zc = row[2].z, zd = row[3].z;
+    const Lanes abc = (za * bc.value - zb * ac.value) + zc * ab.value;
+    const Lanes bcd = (zb * cd.value - zc * bd.value) + zd * bc.value;
+    const Lanes cda = (zc * da.value + zd * ac.value) + za * cd.value;
+    const Lanes dab = (zd * ab.value + za * bd.value) + zb * da.value;
+    const Lanes determinant = (lift[3] * abc - lift[2] * dab) + (lift[1] * cda - lift[0] * bcd);
+    const Lanes sizeA = sizeOf(za), sizeB = sizeOf(zb), sizeC = sizeOf(zc), sizeD = sizeOf(zd);
+    const Lanes permanent = ((cd.size * sizeB + bd.size * sizeC) + bc.size * sizeD) * lift[0] +
+                            ((da.size * sizeC + ac.size * sizeD) + cd.size * sizeA) * lift[1] +
+                            ((ab.size * sizeD + bd.size * sizeA) + da.size * sizeB) * lift[2] +
+                            ((bc.size * sizeA + ac.size * sizeB) + ab.size * sizeC) * lift[3];
+    const Lanes size = allLanes(1.0) + lift[0] + lift[1] + lift[2] + lift[3];
+    const Lanes bound = allLanes(predicateStages::SPHERE_FILTER_BOUND) * permanent +
+                        allLanes(predicateStages::UNDERFLOW) * (size * size);
+    inside = whereLess(determinant, allLanes(0.0) - bound);
+    outside = whereLess(bound, determinant);
+}
+
+/// Decides the looks that the cached spheres left open, given by their facet codes: first by what
+/// was found in this insertion already, then by determinants of four tetrahedra at once, the rest
+/// exactly. Returns the bits of those in conflict.
+inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const LanePositions& p,
+                                const FacetCode* links, unsigned open) {
+    std::uint32_t* const outcomes = state.rememberedOutcomes();
+    const std::uint32_t unknown = 2 * vertex;
+    Slot pending[4 * WIDTH + 3];
+    unsigned position[4 * WIDTH];
+    unsigned numPending = 0;
+    unsigned conflicts = 0;
+    for (; open != 0; open &= open - 1) {
+        const unsigned bit = lowestBit(open);
+        const Slot slot = slotOf(links[bit]);
+        if ((outcomes[slot] ^ unknown) < 2) {
+            conflicts |= (outcomes[slot] & 1U) << bit;
+        } else if (state.mesh.tets()[slot].cornerAtInfinity() < 4) {
+            const unsigned outcome = state.exact.isInConflict(slot, vertex) ? 1U : 0U;
+            outcomes[slot] = unknown | outcome;
+            conflicts |= outcome << bit;
+            state.numGhosts -= outcome;
+        } else {
+            position[numPending] = bit;
+            pending[numPending++] = slot;
+        }
+    }
+    for (unsigned i = 0; i < 3; ++i) pending[numPending + i] = CompactMesh::DUMMY;
+    for (unsigned first = 0; first < numPending; first += 4) {
+        unsigned inside;
+        unsigned outside;
+        testDeterminants(state.mesh, pending + first, p, inside, outside);
+        for (unsigned i = 0; i < 4 && first + i < numPending; ++i) {
+            const Slot slot = pending[first + i];
+            unsigned outcome = inside >> i & 1U;
+            if (((inside | outside) >> i & 1U) == 0)
+                outcome = state.exact.isInConflict(slot, vertex) ? 1U : 0U;
+            outcomes[slot] = unknown | outcome;
+            conflicts |= outcome << position[first + i];
+        }
+    }
+    return conflicts;
+}
+
+struct RegionSize {
+    std::uint32_t numDoomed;
+    std::uint32_t numFacets;
+};
+
+/// Gathers the conflict region and its boundary, breadth first and several tetrahedra a step. No
+/// branch depends on an outcome, for none can be predicted: candidates are always written, and the
+/// ends of the lists advance by the outcomes. All neighbours get the insertion's mark, whatever
+/// they turn out to be; it only keeps a tetrahedron from being listed twice.
+inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start) {
+    const LanePositions p = positionOf(state.mesh.vertices()[vertex].at);
+    const Lanes innerFactor = allLanes(1.0 - ProvedCertificate::ETA);
+    const Lanes outerFactor = allLanes(1.0 + ProvedCertificate::ETA);
+    CompactTet* const tets = state.mesh.tets();
+    std::uint32_t numDoomed = 1;
+    std::uint32_t numFacets = 0;
+    tets[start].mark = vertex;
+    if (tets[start].cornerAtInfinity() < 4) {
+        --state.numGhosts;
+        state.rememberedOutcomes()[start] = 2 * vertex + 1;
+    }
+    Slot* region = state.region.data();
+    for (unsigned i = 0; i < WIDTH; ++i) region[i] = i == 0 ? start : CompactMesh::DUMMY;
+    std::uint32_t numPresent;
+    for (std::uint32_t next = 0; next < numDoomed; next += numPresent) {
+        numPresent = numDoomed - next < WIDTH ? numDoomed - next : WIDTH;
+        if (numDoomed + 6 * WIDTH > state.region.size() ||
+            numFacets + 5 * WIDTH > state.outer.size()) {
+            state.growRegionLists(numDoomed + 6 * WIDTH, numFacets + 5 * WIDTH);
+            region = state.region.data();
+        }
+        const Slot present[WIDTH] = {region[next], region[next + 1], region[next + 2],
+                                     region[next + 3]};
+        unsigned inside = 0;
+        unsigned outside = 0;
+        unsigned seen = 0;
+        for (unsigned i = 0; i < WIDTH; ++i) {
+            const CompactTet& tet = tets[present[i]];
+            const Look look = lookAtNeighbours(tets, tet, p, vertex);
+            inside |= whereLess(look.squaredDistance, look.squaredRadius * innerFactor) << 4 * i;
+            outside |= whereLess(look.squaredRadius * outerFactor, look.squaredDistance) << 4 * i;
+            seen |= look.marked << 4 * i;
+            for (const FacetCode link : tet.link) tets[slotOf(link)].mark = vertex;
+        }
+        const unsigned valid = (1U << 4 * numPresent) - 1U;
+        inside &= valid;
+        outside &= valid;
+        if ((inside | outside) != valid) {
+            FacetCode links[4 * WIDTH];
+            for (unsigned i = 0; i < 4 * WIDTH; ++i) links[i] = tets[present[i / 4]].link[i % 4];
+            const unsigned open = valid & ~(inside | outside);
+            inside |= decideOpenLooks(state, vertex, p, links, open);
+            outside = valid & ~inside;
+        }
+        const unsigned found = inside & ~seen;
+        for (unsigned i = 0; i < WIDTH; ++i) {
+            const FacetsOfTet facets(tets[present[i]], present[i]);
+            const unsigned newHere = found >> 4 * i & 15U;
+            const unsigned boundaryHere = outside >> 4 * i & 15U;
+            facets.appendNeighbours(newHere, region + numDoomed);
+            facets.appendBoundary(boundaryHere, state.outer.data() + numFacets,
+                                  state.inner.data() + numFacets);
+            numDoomed += bitCount(newHere);
+            numFacets += bitCount(boundaryHere);
+        }
+        for (unsigned i = 0; i < WIDTH; ++i) region[numDoomed + i] = CompactMesh::DUMMY;
+    }
+    return {numDoomed, numFacets};
+}
+
+// ---- Creation ----------------------------------------------------------------------------------
+
+/// The circumspheres through four points each, with what certifies them; see CertifiedSphere.h.
+struct LaneSpheres {
+    LanePositions centre;
+    Lanes squaredRadius;
+};
+inline LaneSpheres makeLaneSpheres(const LanePositions& p, const LanePositions& a,
+                                   const LanePositions& b, const LanePositions& c, Lanes reach) {
+    const LanePositions u = a - p, v = b - p, w = c - p;
+    const Lanes uu = squaredLength(u), vv = squaredLength(v), ww = squaredLength(w);
+    const LanePositions vw = cross(v, w), wu = cross(w, u), uv = cross(u, v);
+    const Lanes det = multiplyAdd(u.z, vw.z, multiplyAdd(u.y, vw.y, u.x * vw.x));
+    const Lanes half = allLanes(0.5) / det;
+    const auto combine = [&](Lanes x, Lanes y, Lanes z) {
+        return half * multiplyAdd(ww, z, multiplyAdd(vv, y, uu * x));
+    };
+    const LanePositions toCentre = {combine(vw.x, wu.x, uv.x), combine(vw.y, wu.y, uv.y),
+                                    combine(vw.z, wu.z, uv.z)};
+    const Lanes squaredRadius = squaredLength(toCentre);
+    const Lanes leastDet = multiplyAdd(allLanes(ProvedCertificate::DETERMINANT), uu * vv * ww,
+                                       allLanes(ProvedCertificate::LEAST_DETERMINANT));
+    const Lanes leastRadius = allLanes(ProvedCertificate::RADIUS) * (reach * reach);
+    return {{p.x + toCentre.x, p.y + toCentre.y, p.z + toCentre.z},
+            orNaN(squaredRadius, leastDet, det * det, leastRadius, squaredRadius, squaredRadius,
+                  allLanes(0x1p127))};
+}
+
+/// How far from the origin the certificate has to reckon with, for rows that start at this point.
+inline double reachOf(const BatchState& state, const CompactVertex& vertex) {
+    if (!state.bCertified) return std::numeric_limits<double>::infinity();
+    const double largest = std::fmax(std::fmax(std::fabs(vertex.at[0]), std::fabs(vertex.at[1])),
+                                     std::fabs(vertex.at[2]));
+    return std::fmax(largest, ProvedCertificate::LEAST_REACH);
+}
+
+struct CavitySize {
+    std::uint32_t numVertices;
+    std::uint32_t numGhosts;
+};
+/// Lists the corners of the tetrahedra to be made, and numbers the cavity's vertices: a vertex that
+/// this insertion has not met yet holds less than firstNumber, which minus firstNumber is more than
+/// any number given.
+inline CavitySize listCorners(BatchState& state, VertexNumber vertex, std::uint32_t numFacets) {
+    const CompactTet* const tets = state.mesh.tets();
+    std::uint32_t* const numbers = state.numbers.data();
+    const FacetCode* const inner = state.inner.data();
+    NewCorners* const corners = state.corners.data();
+    CavityFacet* const facets = state.facets.data();
+    const std::uint32_t firstNumber = state.firstNumber;
+    CavitySize size{0, 0};
+    for (std::uint32_t i = 0; i < numFacets; ++i) {
+        const CompactTet& tet = tets[slotOf(inner[i])];
+        const std::uint8_t* const facet = INNER_FACET[facetOf(inner[i])];
+        NewCorners& made = corners[i];
+        made.vertex[0] = vertex;
+        for (unsigned k = 0; k < 3; ++k) {
+            const VertexNumber corner = tet.vertex[facet[k]];
+            made.vertex[k + 1] = corner;
+            size.numGhosts += corner == AT_INFINITY ? 1U : 0U;
+            const std::uint32_t known = numbers[corner] - firstNumber;
+            const bool bNew = known >= size.numVertices;
+            const std::uint32_t number = bNew ? size.numVertices : known;
+            numbers[corner] = firstNumber + number;
+            size.numVertices += bNew ? 1U : 0U;
+            facets[i].number[k] = number;
+        }
+    }
+    return size;
+}
+
+/// Makes the spheres of the new tetrahedra, four at a time. Returns which of them has the least
+/// power to the next vertex to come: where its walk starts.
+inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
+                                    std::uint32_t numFacets) {
+    CompactTet* const tets = state.mesh.tets();
+    const CompactVertex* const vertices = state.mesh.vertices();
+    const NewCorners* const corners = state.corners.data();
+    const LanePositions p = positionOf(vertices[vertex].at);
+    const LanePositions next = positionOf(vertices[vertex + 1].at);
+    const Lanes reach = allLanes(reachOf(state, vertices[vertex]));
+    LeastSoFar nearest;
+    for (std::uint32_t i = 0; i < numFacets; i += 4) {
+        const auto cornersAt = [&](unsigned k) {
+            return gatherVertices(vertices, corners[i].vertex[k], corners[i + 1].vertex[k],
+                                  corners[i + 2].vertex[k], corners[i + 3].vertex[k]);
+        };
+        const LaneSpheres spheres =
+            makeLaneSpheres(p, cornersAt(1), cornersAt(2), cornersAt(3), reach);
+        nearest.take(squaredLength(spheres.centre - next) - spheres.squaredRadius, i);
+        storeSpheres(tets, state.region.data() + i, spheres.centre, spheres.squaredRadius);
+    }
+    const std::uint32_t place = nearest.place();
+    return place < numFacets ? place : 0;
+}
+
+/// Gives the new tetrahedra their corners and links.
+inline void linkTets(BatchState& state, std::uint32_t numFacets, std::uint32_t numVertices) {
+    CompactTet* const tets = state.mesh.tets();
+    const CavityFacet* const facets = state.facets.data();
+    const Slot* const slots = state.region.data();
+    std::uint32_t* const table = state.edges.square(numVertices);
+    const unsigned shift = state.edges.getShift();
+    for (std::uint32_t i = 0; i < numFacets; ++i) {
+        const auto& number = facets[i].number;
+        const FacetCode first = facetCode(slots[i], 0);
+        table[number[0] << shift | number[1]] = first + 3;
+        table[number[1] << shift | number[2]] = first + 1;
+        table[number[2] << shift | number[0]] = first + 2;
+    }
+    for (std::uint32_t i = 0; i < numFacets; ++i) {
+        const auto& number = facets[i].number;
+        CompactTet& tet = tets[slots[i]];
+        tet.link[1] = table[number[2] << shift | number[1]];
+        tet.link[2] = table[number[0] << shift | number[2]];
+        tet.link[3] = table[number[1] << shift | number[0]];
+    }
+}
+
+/// Replaces the region by tetrahedra from its boundary to the vertex. Returns where to start for
+/// the next vertex.
+inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize& size) {
+    const std::uint32_t numFacets = size.numFacets;
+    if (numFacets > size.numDoomed) state.mesh.reserve(numFacets - size.numDoomed);
+    state.growRegionLists(numFacets + 4, numFacets + 4);
+    Slot* const slots = state.region.data();
+    const CavitySize cavity = listCorners(state, vertex, numFacets);
+    if (numFacets + 4 != 2 * cavity.numVertices) state.failOpenCavity(1);
+    for (std::uint32_t i = size.numDoomed; i < numFacets; ++i) slots[i] = state.mesh.take();
+    for (std::uint32_t i = numFacets; i < size.numDoomed; ++i) state.mesh.release(slots[i]);
+    // The last lanes may be no tetrahedra.
+    for (std::uint32_t i = numFacets; i < numFacets + 3; ++i) {
+        slots[i] = CompactMesh::DUMMY;
+        state.corners[i] = {};
+    }
+    const std::uint32_t nearest = makeNewSpheres(state, vertex, numFacets);
+    state.mesh.resetDummy();
+    if (cavity.numVertices <= EdgeTable::MAX_SIDE)
+        linkTets(state, numFacets, cavity.numVertices);
+    else
+        state.failOpenCavity(
+            state.edges.linkByHashing(state.facets, numFacets, slots, state.mesh.tets()));
+    CompactTet* const tets = state.mesh.tets();
+    for (std::uint32_t i = 0; i < numFacets; ++i) {
+        CompactTet& tet = tets[slots[i]];
+        for (unsigned k = 0; k < 4; ++k) tet.vertex[k] = state.corners[i].vertex[k];
+        tet.link[0] = state.outer[i];
+        tets[slotOf(state.outer[i])].link[facetOf(state.outer[i])] = facetCode(slots[i], 0);
+    }
+    if (!state.incident.empty())
+        for (std::uint32_t i = 0; i < numFacets; ++i)
+            for (const VertexNumber corner : state.corners[i].vertex)
+                state.incident[corner] = slots[i];
+    state.mesh.vertices()[vertex].firstLabel = state.numMade;
+    state.numMade += numFacets - cavity.numGhosts;
+    state.numGhosts += cavity.numGhosts;
+    state.firstNumber += cavity.numVertices;
+    return slots[nearest];
+}
+
+Slot insertVertex(BatchState& state, VertexNumber vertex, Slot start) {
+    state.startNumbering();
+    const Slot inConflict = walk(state, vertex, start);
+    return fillRegion(state, vertex, growRegion(state, vertex, inConflict));
+}
+
+void makeSpheres(BatchState& state, Slot first, std::size_t count) {
+    CompactTet* const tets = state.mesh.tets();
+    const CompactVertex* const vertices = state.mesh.vertices();
+    for (std::size_t done = 0; done < count; done += 4) {
+        Slot slots[4];
+        Lanes reach = allLanes(0.0);
+        for (unsigned i = 0; i < 4; ++i)
+            slots[i] = done + i < count ? first + static_cast<Slot>(done) + i : CompactMesh::DUMMY;
+        double reaches[4];
+        for (unsigned i = 0; i < 4; ++i)
+            reaches[i] = reachOf(state, vertices[tets[slots[i]].vertex[0]]);
+        reach = allLanes(
+            std::fmax(std::fmax(reaches[0], reaches[1]), std::fmax(reaches[2], reaches[3])));
+        const auto cornersAt = [&](unsigned k) {
+            return gatherVertices(vertices, tets[slots[0]].vertex[k], tets[slots[1]].vertex[k],
+                                  tets[slots[2]].vertex[k], tets[slots[3]].vertex[k]);
+        };
+        const LaneSpheres spheres =
+            makeLaneSpheres(cornersAt(0), cornersAt(1), cornersAt(2), cornersAt(3), reach);
+        storeSpheres(tets, slots, spheres.centre, spheres.squaredRadius);
+    }
+    state.mesh.resetDummy();
+}

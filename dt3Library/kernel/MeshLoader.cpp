@@ -1,0 +1,68 @@
+#include "dt3Library/kernel/MeshLoader.h"
+
+#include "dt3Library/MeshAccess.h"
+
+namespace VARN3D {
+
+void MeshLoader::load(const KernelSteps& steps) {
+    CompactMesh& mesh = state.mesh;
+    const std::size_t numRecords = records.size();
+    mesh.reserve(numRecords);
+    std::vector<bool> isDead(numRecords, false);
+    tets.forEachDead([&](const Tet3* dead) { isDead[records.indexOf(dead)] = true; });
+    tets.getPool().forEachBlock([&](Tet3* first, std::int32_t used) {
+        for (const Tet3* record = first; record != first + used; ++record) {
+            const Slot slot = mesh.take();
+            if (isDead[slot - 1])
+                mesh.tets()[slot] = {};
+            else
+                loadRecord(record, slot);
+        }
+    });
+    addGhosts();
+    steps.makeSpheres(state, 1, mesh.numSlots() - 1);
+    for (std::size_t i = 0; i < numRecords; ++i)
+        if (isDead[i]) mesh.release(static_cast<Slot>(i) + 1);
+}
+
+void MeshLoader::loadRecord(const Tet3* record, Slot slot) {
+    CompactTet& tet = state.mesh.tets()[slot];
+    for (int i = 0; i < 4; ++i) {
+        tet.vertex[i] = numberOfVertex[vertices.indexOf(MeshAccess::corner(record, i))];
+        const Tet3* neighbour = MeshAccess::neighbour(record, i);
+        const FacetCode here = facetCode(slot, static_cast<unsigned>(i));
+        if (neighbour == nullptr) {
+            hull.push_back(here);
+        } else {
+            const int there = MeshAccess::indexOfNeighbour(neighbour, record);
+            tet.link[i] = facetCode(slotOfRecord(neighbour), static_cast<unsigned>(there));
+        }
+    }
+}
+
+/// A ghost beyond each hull facet. Ghosts are to each other what the new tetrahedra of an insertion
+/// are, with the vertex at infinity in place of the new one.
+void MeshLoader::addGhosts() {
+    CompactMesh& mesh = state.mesh;
+    mesh.reserve(hull.size());
+    std::vector<CavityFacet> facets(hull.size());
+    std::vector<Slot> slots(hull.size());
+    for (std::size_t i = 0; i < hull.size(); ++i) {
+        const CompactTet& inside = mesh.tets()[slotOf(hull[i])];
+        const Slot slot = mesh.take();
+        CompactTet& ghost = mesh.tets()[slot];
+        ghost.vertex[0] = AT_INFINITY;
+        for (unsigned k = 0; k < 3; ++k) {
+            facets[i].number[k] = inside.vertex[OUTER_FACET[facetOf(hull[i])][k]];
+            ghost.vertex[k + 1] = facets[i].number[k];
+        }
+        ghost.link[0] = hull[i];
+        mesh.tets()[slotOf(hull[i])].link[facetOf(hull[i])] = facetCode(slot, 0);
+        slots[i] = slot;
+    }
+    BatchState::failOpenCavity(
+        state.edges.linkByHashing(facets, hull.size(), slots.data(), mesh.tets()));
+    state.numGhosts = static_cast<std::uint32_t>(hull.size());
+}
+
+}  // namespace VARN3D
