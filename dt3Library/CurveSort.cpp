@@ -5,6 +5,7 @@
 
 #include "dt3Library/FloatingPoint.h"
 #include "dt3Library/HilbertGrid.h"
+#include "dt3Library/radixSort.h"
 
 namespace VARN3D {
 
@@ -12,7 +13,7 @@ namespace {
 
 constexpr unsigned LEVELS = 9;
 /// So many in a cell are in order enough.
-constexpr std::ptrdiff_t FEW = 8;
+constexpr std::size_t FEW = 8;
 
 /// A grid over the cube at the lowest corner of the vertices' box. Where the box is too large for
 /// doubles, it separates less or nothing.
@@ -33,29 +34,32 @@ HilbertGrid gridAround(const CurveEntry* first, const CurveEntry* last) {
     return HilbertGrid(low, {side, side, side}, LEVELS);
 }
 
-}  // namespace
-
-void sortAlongCurve(CurveEntry* first, CurveEntry* last) {
-    const HilbertGrid grid = gridAround(first, last);
-    for (CurveEntry* group = first; group < last; group += 4) {
-        const std::ptrdiff_t left = last - group;
-        const Point3* const points[4] = {group[0].vertex, group[left > 1 ? 1 : 0].vertex,
-                                         group[left > 2 ? 2 : 0].vertex,
-                                         group[left > 3 ? 3 : 0].vertex};
-        std::uint32_t keys[4];
-        grid.keysOf(points, keys);
-        for (std::ptrdiff_t i = 0; i < left && i < 4; ++i) group[i].key = keys[i];
+void sortRange(CurveEntry* first, CurveEntry* last) {
+    constexpr unsigned POSITION_BITS = 32;
+    const auto n = static_cast<std::size_t>(last - first);
+    std::vector<std::uint64_t> keyed;
+    gridAround(first, last)
+        .keyedPositions(
+            n, POSITION_BITS, [first](std::size_t i) { return first[i].vertex; }, keyed);
+    sortByBits(keyed, POSITION_BITS, 3 * LEVELS);
+    {
+        const std::vector<CurveEntry> unsorted(first, last);
+        for (std::size_t i = 0; i < n; ++i)
+            first[i] = unsorted[static_cast<std::uint32_t>(keyed[i])];
     }
-    std::sort(first, last, [](const CurveEntry& a, const CurveEntry& b) {
-        return a.key != b.key ? a.key < b.key : a.number < b.number;
-    });
-    for (CurveEntry* begin = first; begin != last;) {
-        CurveEntry* end = begin + 1;
-        while (end != last && end->key == begin->key) ++end;
+    for (std::size_t begin = 0; begin < n;) {
+        std::size_t end = begin + 1;
+        while (end < n && keyed[end] >> POSITION_BITS == keyed[begin] >> POSITION_BITS) ++end;
         // A grid that separates nothing is the last one.
-        if (end - begin > FEW && end - begin < last - first) sortAlongCurve(begin, end);
+        if (end - begin > FEW && end - begin < n) sortRange(first + begin, first + end);
         begin = end;
     }
+}
+
+}  // namespace
+
+void sortAlongCurve(std::vector<CurveEntry>& entries) {
+    if (!entries.empty()) sortRange(entries.data(), entries.data() + entries.size());
 }
 
 }  // namespace VARN3D

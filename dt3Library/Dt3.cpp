@@ -42,6 +42,10 @@ int countInnerFacets(const FacetSides& sides, int facet, int untested) {
     return others == 0 ? untested : LOWEST_BIT[others];
 }
 
+void printNothingToInsert() {
+    std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+}
+
 void requireFinite(const Point3& point, std::size_t position, const char* who) {
     if (isFinite(point)) return;
     printError(who, "point " + std::to_string(position) + " has a non-finite coordinate");
@@ -69,33 +73,65 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
     if (n == 0) return;
 
     std::vector<Point3*> vNew;
-    {
-        VARN3D_TIME(secondsStore);
-        store.insert(vInputPoints, vUserHandles, vNew);
-    }
-    if (bFullDimensional) {
-        Tet3* start = vNew.empty() ? pRecentTet : startTetNear(*vNew.front());
-        if (!vNew.empty() &&
-            BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size()))
-            insertByKernel(vNew, start);
+    const HC3::Mark mark = store.mark();
+    const AffineSpan spanBefore = span;
+    try {
+        {
+            VARN3D_TIME(secondsStore);
+            store.insert(vInputPoints, vUserHandles, vNew);
+        }
+        if (bFullDimensional)
+            insertLaterBatch(vNew);
+        else if (spansSpace(vNew))
+            insertFirstBatch(vNew, n);
         else
-            triangulate(vNew, start);
-        return;
+            vNew.clear();
+    } catch (...) {
+        // The batch is as if it had never been.
+        store.rewind(mark);
+        span = spanBefore;
+        vUserHandles.clear();
+        throw;
     }
-    if (!spansSpace(vNew)) return;
-    Tet3* first = startUp();
-    if (first == nullptr) return;
-    // Earlier calls may have left vertices waiting, and some points may be equal; both at once can
-    // leave as many vertices as points.
-    if (vNew.size() != n || store.getNumVertices() != n) {
-        vNew.clear();
-        store.getVertices(vNew);
-    }
-    insertByKernel(vNew, first);
+    if (!vNew.empty()) triangulate(vNew, startTetNear(*vNew.front()));
 }
 
-void Dt3::insertByKernel(std::vector<Point3*>& vVertices, const Tet3* pStart) {
+/// Inserts a batch that is large against the mesh, and empties its list. A small one is left to be
+/// inserted vertex by vertex.
+void Dt3::insertLaterBatch(std::vector<Point3*>& vNew) {
+    if (vNew.empty()) {
+        printNothingToInsert();
+    } else if (BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size())) {
+        insertAtOnce(vNew, startTetNear(*vNew.front()));
+    }
+}
+
+/// Makes the first tetrahedron, if there can be one, and inserts all vertices.
+void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
+    Tet3* first = startUp();
+    if (first == nullptr) {
+        vNew.clear();
+        return;
+    }
+    try {
+        // Earlier calls may have left vertices waiting, and some points may be equal; both at once
+        // can leave as many vertices as points.
+        if (vNew.size() != numPoints || store.getNumVertices() != numPoints)
+            store.listForInsertion(vNew);
+        insertAtOnce(vNew, first);
+    } catch (...) {
+        for (int i = 0; i < 4; ++i) MeshAccess::corner(first, i)->setOneTet(nullptr);
+        tets.reset();
+        pRecentTet = nullptr;
+        bFullDimensional = false;
+        throw;
+    }
+}
+
+void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
+    VARN3D_TIME(secondsKernel);
     pRecentTet = BatchInsertion(predicates, kernelSteps, tets, store).run(vVertices, pStart);
+    hullTurns.forgetAll();
 }
 
 Point3* Dt3::insert(const Point3& point) {
@@ -121,7 +157,7 @@ Point3* Dt3::insert(const Point3& point) {
 void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
     if (pLastTet == nullptr) goToHell("pLastTet==NULL in Dt3::triangulate");
     if (vVertices.empty()) {
-        std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+        printNothingToInsert();
         return;
     }
     InsertionOrder order(vVertices.size());

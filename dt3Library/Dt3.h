@@ -90,7 +90,9 @@ class Dt3 {
     bool spansSpace(const std::vector<Point3*>& vNew);
 
     // Insertion steps
-    void insertByKernel(std::vector<Point3*>& vVertices, const Tet3* pStart);
+    void insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints);
+    void insertLaterBatch(std::vector<Point3*>& vNew);
+    void insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart);
     Tet3* startTetNear(const Point3& point);
     void beginCavity(Point3* pVtx);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);

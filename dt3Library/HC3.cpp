@@ -1,11 +1,11 @@
 #include "dt3Library/HC3.h"
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <iostream>
-#include <numeric>
 
+#include "dt3Library/CurveSort.h"
+#include "dt3Library/radixSort.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
@@ -15,23 +15,18 @@ namespace {
 /// The first batch of a process gets a narrower margin around its box than all that follow.
 std::atomic<bool> bFirstEnlargement{true};
 
-constexpr int NUM_STATES = 12;
+/// Where so many vertices share a key, the keys leave them in no order worth following.
+constexpr std::ptrdiff_t MAX_UNORDERED = 8;
 
-/// The curve's digit for an octant (4x + 2y + z), by the state of the curve in the cell.
-constexpr std::uint8_t DIGIT[8][NUM_STATES] = {
-    {0, 0, 0, 2, 4, 6, 4, 6, 2, 2, 4, 6}, {1, 7, 3, 3, 3, 5, 7, 7, 5, 1, 5, 1},
-    {3, 1, 7, 1, 5, 1, 3, 5, 3, 5, 7, 7}, {2, 6, 4, 0, 2, 2, 0, 4, 4, 6, 6, 0},
-    {7, 3, 1, 5, 7, 7, 5, 1, 1, 3, 3, 5}, {6, 4, 2, 4, 0, 4, 6, 0, 6, 0, 2, 2},
-    {4, 2, 6, 6, 6, 0, 2, 2, 0, 4, 0, 4}, {5, 5, 5, 7, 1, 3, 1, 3, 7, 7, 1, 3},
-};
-
-/// The state of the curve within that octant.
-constexpr std::uint8_t NEXT[8][NUM_STATES] = {
-    {1, 2, 0, 6, 11, 4, 5, 6, 10, 4, 7, 10}, {2, 6, 9, 0, 11, 4, 7, 1, 3, 4, 2, 3},
-    {3, 0, 10, 6, 0, 8, 5, 6, 1, 8, 11, 2},  {2, 7, 9, 11, 7, 8, 3, 10, 1, 8, 2, 6},
-    {4, 8, 1, 9, 5, 0, 1, 9, 10, 2, 7, 10},  {5, 8, 1, 0, 9, 6, 1, 4, 3, 7, 5, 3},
-    {3, 0, 11, 9, 0, 10, 11, 9, 5, 2, 8, 4}, {5, 7, 11, 8, 7, 6, 11, 10, 9, 3, 5, 4},
-};
+/// Brings vertices that share a key into the order of a finer curve.
+void orderWithinCell(Point3** first, Point3** last) {
+    if (last - first <= MAX_UNORDERED) return;
+    std::vector<CurveEntry> entries;
+    entries.reserve(static_cast<std::size_t>(last - first));
+    for (Point3** vertex = first; vertex != last; ++vertex) entries.push_back({*vertex, 0});
+    sortAlongCurve(entries);
+    for (const CurveEntry& entry : entries) *first++ = entry.vertex;
+}
 
 }  // namespace
 
@@ -45,38 +40,15 @@ HC3::HC3(unsigned keyBits) : numBits(keyBits) {
 
 std::uint32_t HC3::hilbertIndex(const Point3& point) const {
     varnAssertText(bValid, "bValid");
-    double hX = extentX / 2;
-    double hY = extentY / 2;
-    double hZ = extentZ / 2;
-    double dx = point.x() - bbox.getMinX();
-    double dy = point.y() - bbox.getMinY();
-    double dz = point.z() - bbox.getMinZ();
-    unsigned state = 0;
-    std::uint32_t key = 0;
-    for (unsigned level = 0; level < numBits / 3; ++level) {
-        // All three tests use the x half-extent: the keys, and with them the order of insertion,
-        // are part of what hosts rely on.
-        const unsigned bx = dx >= hX ? 1 : 0;
-        const unsigned by = dy >= hX ? 1 : 0;
-        const unsigned bz = dz >= hX ? 1 : 0;
-        dx -= bx ? hX : 0.0;
-        dy -= by ? hY : 0.0;
-        dz -= bz ? hZ : 0.0;
-        const unsigned octant = 4 * bx + 2 * by + bz;
-        key = key << 3 | DIGIT[octant][state];
-        state = NEXT[octant][state];
-        hX *= 0.5;
-        hY *= 0.5;
-        hZ *= 0.5;
-    }
-    return key;
+    return grid.keyOf(point);
 }
 
 void HC3::enlargeBox(double factor) {
     bbox.enlargeBounds(factor);
-    extentX = bbox.getMaxX() - bbox.getMinX();
-    extentY = bbox.getMaxY() - bbox.getMinY();
-    extentZ = bbox.getMaxZ() - bbox.getMinZ();
+    grid = HilbertGrid({bbox.getMinX(), bbox.getMinY(), bbox.getMinZ()},
+                       {bbox.getMaxX() - bbox.getMinX(), bbox.getMaxY() - bbox.getMinY(),
+                        bbox.getMaxZ() - bbox.getMinZ()},
+                       numBits / 3);
     bValid = true;
     bPoolInCurveOrder = false;
     bTableValid = false;
@@ -102,23 +74,6 @@ void HC3::enterInTable(VertexTable::Place place, Point3* vertex) {
     bTableValid = true;
 }
 
-void HC3::sortByKey(std::vector<KeyedPosition>& vHIndexIndexPair) const {
-    constexpr unsigned DIGIT_BITS = 9;
-    constexpr std::size_t NUM_BUCKETS = std::size_t{1} << DIGIT_BITS;
-    std::vector<KeyedPosition> sorted(vHIndexIndexPair.size());
-    for (unsigned shift = positionBits(); shift < 64; shift += DIGIT_BITS) {
-        std::array<std::size_t, NUM_BUCKETS> starts{};
-        const auto digit = [shift](KeyedPosition keyed) {
-            return keyed >> shift & (NUM_BUCKETS - 1);
-        };
-        for (const KeyedPosition keyed : vHIndexIndexPair) ++starts[digit(keyed)];
-        std::size_t start = 0;
-        for (std::size_t& entry : starts) start += std::exchange(entry, start);
-        for (const KeyedPosition keyed : vHIndexIndexPair) sorted[starts[digit(keyed)]++] = keyed;
-        vHIndexIndexPair.swap(sorted);
-    }
-}
-
 void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserHandles,
                  std::vector<Point3*>& vNew) {
     varnAssertText(vUserHandles.empty(), "vUserHandles.empty()");
@@ -127,28 +82,22 @@ void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserH
     vNew.reserve(points.size());
     if (bbox.add(points)) enlargeBox(bFirstEnlargement.exchange(false) ? 0.1 : 1.0);
 
-    std::vector<KeyedPosition> vHIndexIndexPair(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i)
-        vHIndexIndexPair[i] = std::uint64_t{hilbertIndex(points[i])} << positionBits() | i;
-    sortByKey(vHIndexIndexPair);
-
-    if (numVertices == 0)
-        insertFirstBatch(points, vHIndexIndexPair, vUserHandles, vNew);
-    else
-        insertLaterBatch(points, vHIndexIndexPair, vUserHandles, vNew);
-}
-
-void HC3::insertFirstBatch(const std::vector<Point3>& points,
-                           const std::vector<KeyedPosition>& vHIndexIndexPair,
-                           std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew) {
+    const std::vector<KeyedPosition> vHIndexIndexPair =
+        sortedByKey(points.size(), [&](std::size_t i) { return &points[i]; });
+    const bool bFirst = numVertices == 0;
     const KeyedPosition* const end = vHIndexIndexPair.data() + vHIndexIndexPair.size();
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
         const KeyedPosition* last = first + 1;
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
-        insertRun(points, first, last, vUserHandles, vNew);
+        const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
+        if (bFirst)
+            insertRun(points, first, last, vUserHandles, vNew);
+        else
+            insertLaterRun(points, first, last, vUserHandles, vNew);
+        orderWithinCell(vNew.data() + numBefore, vNew.data() + vNew.size());
         first = last;
     }
-    bPoolInCurveOrder = true;
+    bPoolInCurveOrder = bFirst;
 }
 
 /// Those points of a run that equal an earlier one of it, in the order of the run.
@@ -196,6 +145,19 @@ void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* firs
         enter(positionOf(*first));
         return;
     }
+    if (last - first <= MAX_UNORDERED) {
+        const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
+        for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
+            const Point3& point = points[positionOf(*keyed)];
+            const auto equal = std::find_if(vNew.begin() + numBefore, vNew.end(),
+                                            [&](const Point3* p) { return *p == point; });
+            if (equal == vNew.end())
+                enter(positionOf(*keyed));
+            else
+                vUserHandles[positionOf(*keyed)] = *equal;
+        }
+        return;
+    }
     const std::vector<Duplicate> duplicates = findDuplicates(points, first, last);
     auto duplicate = duplicates.begin();
     for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
@@ -207,13 +169,13 @@ void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* firs
     }
 }
 
-void HC3::insertLaterBatch(const std::vector<Point3>& points,
-                           const std::vector<KeyedPosition>& vHIndexIndexPair,
-                           std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew) {
+/// Enters points that share a key, some of which may be stored already.
+void HC3::insertLaterRun(const std::vector<Point3>& points, const KeyedPosition* first,
+                         const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                         std::vector<Point3*>& vNew) {
     VertexTable& vertexTable = getTable();
-    bPoolInCurveOrder = false;
-    for (const KeyedPosition keyed : vHIndexIndexPair) {
-        const std::size_t position = positionOf(keyed);
+    for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
+        const std::size_t position = positionOf(*keyed);
         const Point3& point = points[position];
         const VertexTable::Place place = vertexTable.lowerBound(point);
         Point3* vertex = vertexTable.vertexAt(place, point);
@@ -246,6 +208,16 @@ Tet3* HC3::findStartTet(const Point3& point, std::size_t entriesASide) {
     return vertexTable.findTet(vertexTable.lowerBound(point), point, entriesASide);
 }
 
+void HC3::rewind(const Mark& mark) noexcept {
+    vertices.rewind(mark.vertices);
+    numVertices = mark.numVertices;
+    bbox = mark.bbox;
+    grid = mark.grid;
+    bValid = mark.bValid;
+    bPoolInCurveOrder = mark.bPoolInCurveOrder;
+    bTableValid = false;
+}
+
 void HC3::getVertices(std::vector<Point3*>& vVertices) const {
     const std::size_t begin = vVertices.size();
     vVertices.reserve(begin + numVertices);
@@ -254,14 +226,27 @@ void HC3::getVertices(std::vector<Point3*>& vVertices) const {
     });
     if (bPoolInCurveOrder || numVertices == 0) return;
 
-    std::vector<KeyedPosition> keyed(numVertices);
-    for (std::size_t i = 0; i < numVertices; ++i)
-        keyed[i] = std::uint64_t{hilbertIndex(*vVertices[begin + i])} << positionBits() | i;
-    sortByKey(keyed);
     const std::vector<Point3*> stored(vVertices.begin() + static_cast<std::ptrdiff_t>(begin),
                                       vVertices.end());
+    const std::vector<KeyedPosition> keyed =
+        sortedByKey(numVertices, [&](std::size_t i) { return stored[i]; });
     for (std::size_t i = 0; i < numVertices; ++i)
         vVertices[begin + i] = stored[positionOf(keyed[i])];
+}
+
+void HC3::listForInsertion(std::vector<Point3*>& vVertices) const {
+    vVertices.clear();
+    getVertices(vVertices);
+    const std::size_t n = vVertices.size();
+    std::vector<KeyedPosition> keyed;
+    grid.keyedPositions(
+        n, positionBits(), [&](std::size_t i) { return vVertices[i]; }, keyed);
+    for (std::size_t first = 0; first < n;) {
+        std::size_t last = first + 1;
+        while (last < n && keyOf(keyed[last]) == keyOf(keyed[first])) ++last;
+        orderWithinCell(vVertices.data() + first, vVertices.data() + last);
+        first = last;
+    }
 }
 
 }  // namespace VARN3D

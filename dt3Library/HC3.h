@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "dt3Library/Bbox3.h"
+#include "dt3Library/HilbertGrid.h"
 #include "dt3Library/Point3.h"
 #include "dt3Library/VertexTable.h"
 #include "dt3Library/geom_tools/SimplePool.h"
+#include "dt3Library/radixSort.h"
 
 namespace VARN3D {
 
@@ -32,7 +34,8 @@ class HC3 {
     std::uint32_t hilbertIndex(const Point3& point) const;
 
     /// Stores a batch. `vUserHandles` must be empty and gets one handle for each point, in input
-    /// order; `vNew` gets the vertices that are new, in curve order (equal keys in input order).
+    /// order; `vNew` gets the vertices that are new, in curve order: equal keys in input order,
+    /// but where more than eight share a key, along a finer curve.
     /// O(n) for the first batch, O(n log m) with m vertices stored before.
     void insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserHandles,
                 std::vector<Point3*>& vNew);
@@ -46,10 +49,28 @@ class HC3 {
     /// A tetrahedron near the point, found in the same way.
     Tet3* findStartTet(const Point3& point, std::size_t entriesASide = VertexTable::EVERYTHING);
 
+    /// What `rewind` needs to take back all that is stored after it.
+    struct Mark {
+        SimplePool<Point3>::Mark vertices;
+        std::size_t numVertices;
+        Bbox3 bbox;
+        HilbertGrid grid;
+        bool bValid;
+        bool bPoolInCurveOrder;
+    };
+    Mark mark() const {
+        return {vertices.mark(), numVertices, bbox, grid, bValid, bPoolInCurveOrder};
+    }
+    /// The store is as it was at the mark: vertices stored since are gone.
+    void rewind(const Mark& mark) noexcept;
+
     std::size_t getNumVertices() const { return numVertices; }
 
     /// Appends all vertices in curve order; equal keys in the order of their storing. O(n).
     void getVertices(std::vector<Point3*>& vVertices) const;
+
+    /// All vertices in the order in which a batch of them would be listed. O(n).
+    void listForInsertion(std::vector<Point3*>& vVertices) const;
 
     const Bbox3& getBbox() const { return bbox; }
     const SimplePool<Point3>& getPool() const { return vertices; }
@@ -70,30 +91,31 @@ class HC3 {
         return keyed & ((std::uint64_t{1} << positionBits()) - 1);
     }
     std::uint64_t keyOf(KeyedPosition keyed) const { return keyed >> positionBits(); }
-    void sortByKey(std::vector<KeyedPosition>& vHIndexIndexPair) const;
+    template <class PointAt>
+    std::vector<KeyedPosition> sortedByKey(std::size_t n, PointAt pointAt) const {
+        std::vector<KeyedPosition> keyed;
+        grid.keyedPositions(n, positionBits(), pointAt, keyed);
+        sortByBits(keyed, positionBits(), numBits);
+        return keyed;
+    }
 
     void enlargeBox(double factor);
-    void insertFirstBatch(const std::vector<Point3>& points,
-                          const std::vector<KeyedPosition>& vHIndexIndexPair,
-                          std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
     std::vector<Duplicate> findDuplicates(const std::vector<Point3>& points,
                                           const KeyedPosition* first,
                                           const KeyedPosition* last) const;
     void insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
                    const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                    std::vector<Point3*>& vNew);
-    void insertLaterBatch(const std::vector<Point3>& points,
-                          const std::vector<KeyedPosition>& vHIndexIndexPair,
-                          std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
+    void insertLaterRun(const std::vector<Point3>& points, const KeyedPosition* first,
+                        const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                        std::vector<Point3*>& vNew);
     Point3* newVertex(const Point3& point);
     VertexTable& getTable();
     void enterInTable(VertexTable::Place place, Point3* vertex);
 
     Bbox3 bbox;
     unsigned numBits;
-    double extentX = -1.0;
-    double extentY = -1.0;
-    double extentZ = -1.0;
+    HilbertGrid grid;
     bool bValid = false;
     SimplePool<Point3> vertices;
     std::size_t numVertices = 0;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "dt3Library/Point3.h"
 
@@ -20,6 +22,24 @@ class HilbertGrid {
 
     /// The keys of four points at once.
     void keysOf(const Point3* const (&points)[4], std::uint32_t (&keys)[4]) const;
+
+    /// Fills `keyed` with the keys of n points, each above the point's position in the lower
+    /// `positionBits` bits. `pointAt(i)` gives the address of point i.
+    template <class PointAt>
+    void keyedPositions(std::size_t n, unsigned positionBits, PointAt pointAt,
+                        std::vector<std::uint64_t>& keyed) const {
+        keyed.resize(n);
+        for (std::size_t i = 0; i < n; i += 4) {
+            const std::size_t last = n - 1;
+            const Point3* const points[4] = {pointAt(i), pointAt(i + 1 < n ? i + 1 : last),
+                                             pointAt(i + 2 < n ? i + 2 : last),
+                                             pointAt(i + 3 < n ? i + 3 : last)};
+            std::uint32_t keys[4];
+            keysOf(points, keys);
+            for (std::size_t k = 0; k < 4 && i + k < n; ++k)
+                keyed[i + k] = std::uint64_t{keys[k]} << positionBits | (i + k);
+        }
+    }
 
   private:
     double low[3] = {};

@@ -26,6 +26,9 @@ class HullTurns {
         if (edge.turnToNextHullFacet() >= LONG_TURN) remember(edge);
     }
 
+    /// To be called when tetrahedra's records have gone.
+    void forgetAll() { lastTets.clear(); }
+
   private:
     using Ends = std::pair<const Point3*, const Point3*>;
 

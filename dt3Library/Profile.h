@@ -24,6 +24,7 @@ struct Profile {
     std::uint64_t created = 0;
 
     double secondsStore = 0.0;
+    double secondsKernel = 0.0;
     double secondsWalk = 0.0;
     double secondsConflict = 0.0;
     double secondsCreation = 0.0;

@@ -77,6 +77,15 @@ class SimplePool {
     /// Exchanges all blocks and slots with another pool.
     void swap(SimplePool& other) noexcept;
 
+    /// How much has been handed out.
+    struct Mark {
+        std::size_t numBlocks;
+        std::int32_t nextIndex;
+    };
+    Mark mark() const { return {vBlocks.size(), nextIndex}; }
+    /// Takes back all slots handed out since the mark, and frees the blocks made since.
+    void rewind(const Mark& mark) noexcept;
+
     /// The sizes of all blocks ever made, in slots and in the order of their making; `reset`
     /// forgets none of them.
     const std::vector<std::int32_t>& getBlockSizes() const { return vSizes; }
@@ -184,6 +193,14 @@ void SimplePool<T>::adopt(void* pMemory, std::int32_t size, std::int32_t used) {
     vSizes.push_back(size);
     useLastBlock();
     nextIndex = used - 1;
+}
+
+template <class T>
+void SimplePool<T>::rewind(const Mark& mark) noexcept {
+    vSizes.resize(vSizes.size() - (vBlocks.size() - mark.numBlocks));
+    vBlocks.resize(mark.numBlocks);
+    useLastBlock();
+    nextIndex = mark.nextIndex;
 }
 
 template <class T>

@@ -10,8 +10,8 @@ EarlierNeighbours::EarlierNeighbours(const std::vector<Point3*>& points, VertexN
     std::vector<CurveEntry> entries;
     entries.reserve(points.size());
     for (VertexNumber vertex = 1; vertex < numVertices; ++vertex)
-        entries.push_back({points[vertex], vertex, 0});
-    sortAlongCurve(entries.data(), entries.data() + entries.size());
+        entries.push_back({points[vertex], vertex});
+    sortAlongCurve(entries);
     for (std::size_t i = 1; i < entries.size(); ++i) {
         predecessors[entries[i].number] = entries[i - 1].number;
         successors[entries[i - 1].number] = entries[i].number;
