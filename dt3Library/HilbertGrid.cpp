@@ -26,6 +26,18 @@ constexpr std::uint8_t NEXT[8][NUM_STATES] = {
     {3, 0, 11, 9, 0, 10, 11, 9, 5, 2, 8, 4}, {5, 7, 11, 8, 7, 6, 11, 10, 9, 3, 5, 4},
 };
 
+/// From the octants (three bits a level, the coarsest on top) to the curve's digits.
+std::uint32_t placeOnCurve(std::uint32_t octants, unsigned numLevels) {
+    unsigned state = 0;
+    std::uint32_t key = 0;
+    for (unsigned level = numLevels; level-- > 0;) {
+        const unsigned octant = octants >> 3 * level & 7U;
+        key = key << 3 | DIGIT[octant][state];
+        state = NEXT[octant][state];
+    }
+    return key;
+}
+
 }  // namespace
 
 HilbertGrid::HilbertGrid(const double (&minimum)[3], const double (&extents)[3], unsigned levels)
@@ -41,45 +53,32 @@ std::uint32_t HilbertGrid::keyOf(const Point3& point) const {
     return keys[0];
 }
 
-/// The bits are found level by level for four points side by side, and as numbers instead of
-/// decisions: they are unpredictable.
+/// The octants are found level by level for four points side by side, and without a branch: they
+/// are unpredictable.
 void HilbertGrid::keysOf(const Point3* const (&points)[4], std::uint32_t (&keys)[4]) const {
     double rest[3][4];
-    double bits[3][4] = {};
     for (int i = 0; i < 4; ++i) {
         rest[0][i] = points[i]->x() - low[0];
         rest[1][i] = points[i]->y() - low[1];
         rest[2][i] = points[i]->z() - low[2];
     }
     double half[3] = {extent[0] / 2, extent[1] / 2, extent[2] / 2};
+    std::uint32_t octants[4] = {};
     for (unsigned level = 0; level < numLevels; ++level) {
         // All axes are tested against the x half-extent: the keys, and with them the order of
         // insertion, are part of what hosts rely on.
         const double threshold = half[0];
         for (int axis = 0; axis < 3; ++axis) {
-            const double step = half[axis];
+            const double step[2] = {0.0, half[axis]};
             for (int i = 0; i < 4; ++i) {
-                const bool bUpper = rest[axis][i] >= threshold;
-                rest[axis][i] -= bUpper ? step : 0.0;
-                bits[axis][i] = bits[axis][i] + bits[axis][i] + (bUpper ? 1.0 : 0.0);
+                const unsigned upper = rest[axis][i] >= threshold ? 1 : 0;
+                rest[axis][i] -= step[upper];
+                octants[i] = 2 * octants[i] + upper;
             }
             half[axis] *= 0.5;
         }
     }
-    for (int i = 0; i < 4; ++i) {
-        const auto x = static_cast<unsigned>(bits[0][i]);
-        const auto y = static_cast<unsigned>(bits[1][i]);
-        const auto z = static_cast<unsigned>(bits[2][i]);
-        unsigned state = 0;
-        std::uint32_t key = 0;
-        for (unsigned level = numLevels; level-- > 0;) {
-            const unsigned octant =
-                (x >> level & 1U) << 2 | (y >> level & 1U) << 1 | (z >> level & 1U);
-            key = key << 3 | DIGIT[octant][state];
-            state = NEXT[octant][state];
-        }
-        keys[i] = key;
-    }
+    for (int i = 0; i < 4; ++i) keys[i] = placeOnCurve(octants[i], numLevels);
 }
 
 }  // namespace VARN3D

@@ -11,10 +11,9 @@
 
 namespace VARN3D {
 
-/// The corners of a tetrahedron to be made, and the cavity numbers of all but the first, which is
-/// the new vertex.
+/// Corners 1, 2, 3 of a tetrahedron to be made; corner 0 is the new vertex.
 struct alignas(16) NewCorners {
-    VertexNumber vertex[4];
+    VertexNumber vertex[3];
 };
 
 /// What a batch insertion works on: the compact mesh, and lists of the present insertion that are
@@ -84,7 +83,7 @@ struct KernelSteps {
     /// Inserts a vertex, starting at a tetrahedron of the mesh. Returns where to start for the
     /// next vertex.
     Slot (*insertVertex)(BatchState& state, VertexNumber vertex, Slot start);
-    /// Makes the spheres of so many tetrahedra from a slot on, in any mesh; all marks become 0.
+    /// Makes the spheres of so many tetrahedra from a slot on.
     void (*makeSpheres)(BatchState& state, Slot first, std::size_t count);
 };
 

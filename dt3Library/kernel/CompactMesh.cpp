@@ -24,7 +24,7 @@ CompactMesh::CompactMesh(std::size_t numVertices, std::size_t expectedTets)
 }
 
 void CompactMesh::resetDummy() {
-    tetArray[DUMMY] = {{0.0, 0.0, 0.0}, -1.0F, 0, {}, {}};
+    tetArray[DUMMY] = {{0.0, 0.0, 0.0}, -1.0F, {}, 0, {}};
 }
 
 /// Grows by half at least. What malloc can extend in place (or move by its pages) is not copied.

@@ -52,9 +52,10 @@ struct alignas(64) CompactTet {
     double centre[3];
     /// NaN where the sphere is not certified: every comparison with it fails.
     float squaredRadius;
-    /// The last insertion that met this tetrahedron, by its vertex.
-    std::uint32_t mark;
     VertexNumber vertex[4];
+    /// The last insertion that met this tetrahedron, by its vertex. It is written shortly before
+    /// the sphere is read again, so it lies outside the half line that is then loaded at once.
+    std::uint32_t mark;
     /// What lies across facet i: the facet's code on the other side.
     FacetCode link[4];
 

@@ -28,10 +28,10 @@ inline LanePositions cross(const LanePositions& v, const LanePositions& w) {
 
 // ---- Walk --------------------------------------------------------------------------------------
 
-inline Look lookAtNeighbours(const CompactTet* tets, const CompactTet& tet, const LanePositions& p,
-                             std::uint32_t mark) {
+inline Look lookAtNeighbours(const CompactTet* tets, const CompactTet& tet,
+                             const LanePositions& p) {
     return lookAt(tets + slotOf(tet.link[0]), tets + slotOf(tet.link[1]),
-                  tets + slotOf(tet.link[2]), tets + slotOf(tet.link[3]), p, mark);
+                  tets + slotOf(tet.link[2]), tets + slotOf(tet.link[3]), p);
 }
 
 /// Walks to a tetrahedron in conflict with the vertex by comparing powers. The power of a point,
@@ -46,13 +46,13 @@ inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
     const Lanes inner = allLanes(1.0 - ProvedCertificate::ETA);
     Slot slot = start;
     const CompactTet* const first = tets + slot;
-    const Look here = lookAt(first, first, first, first, p, 0);
+    const Look here = lookAt(first, first, first, first, p);
     if (whereLess(here.squaredDistance, here.squaredRadius * inner) != 0) return slot;
     double power = leastLane(here.squaredDistance - here.squaredRadius).value;
     for (unsigned step = 0; step < MAX_STEPS; ++step) {
         ++state.numSteps;
         const CompactTet& tet = tets[slot];
-        const Look look = lookAtNeighbours(tets, tet, p, 0);
+        const Look look = lookAtNeighbours(tets, tet, p);
         const unsigned inside = whereLess(look.squaredDistance, look.squaredRadius * inner);
         if (inside != 0) return slotOf(tet.link[lowestBit(inside)]);
         const LeastLane least = leastLane(look.squaredDistance - look.squaredRadius);
@@ -190,11 +190,15 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         unsigned seen = 0;
         for (unsigned i = 0; i < WIDTH; ++i) {
             const CompactTet& tet = tets[present[i]];
-            const Look look = lookAtNeighbours(tets, tet, p, vertex);
+            CompactTet* const neighbours[4] = {
+                tets + slotOf(tet.link[0]), tets + slotOf(tet.link[1]), tets + slotOf(tet.link[2]),
+                tets + slotOf(tet.link[3])};
+            const auto& [a, b, c, d] = neighbours;
+            const Look look = lookAt(a, b, c, d, p);
             inside |= whereLess(look.squaredDistance, look.squaredRadius * innerFactor) << 4 * i;
             outside |= whereLess(look.squaredRadius * outerFactor, look.squaredDistance) << 4 * i;
-            seen |= look.marked << 4 * i;
-            for (const FacetCode link : tet.link) tets[slotOf(link)].mark = vertex;
+            seen |= markedOf(a, b, c, d, vertex) << 4 * i;
+            for (CompactTet* const neighbour : neighbours) neighbour->mark = vertex;
         }
         const unsigned valid = (1U << 4 * numPresent) - 1U;
         inside &= valid;
@@ -265,7 +269,7 @@ struct CavitySize {
 /// Lists the corners of the tetrahedra to be made, and numbers the cavity's vertices: a vertex that
 /// this insertion has not met yet holds less than firstNumber, which minus firstNumber is more than
 /// any number given.
-inline CavitySize listCorners(BatchState& state, VertexNumber vertex, std::uint32_t numFacets) {
+inline CavitySize listCorners(BatchState& state, std::uint32_t numFacets) {
     const CompactTet* const tets = state.mesh.tets();
     std::uint32_t* const numbers = state.numbers.data();
     const FacetCode* const inner = state.inner.data();
@@ -277,10 +281,9 @@ inline CavitySize listCorners(BatchState& state, VertexNumber vertex, std::uint3
         const CompactTet& tet = tets[slotOf(inner[i])];
         const std::uint8_t* const facet = INNER_FACET[facetOf(inner[i])];
         NewCorners& made = corners[i];
-        made.vertex[0] = vertex;
         for (unsigned k = 0; k < 3; ++k) {
             const VertexNumber corner = tet.vertex[facet[k]];
-            made.vertex[k + 1] = corner;
+            made.vertex[k] = corner;
             size.numGhosts += corner == AT_INFINITY ? 1U : 0U;
             const std::uint32_t known = numbers[corner] - firstNumber;
             const bool bNew = known >= size.numVertices;
@@ -303,6 +306,7 @@ inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
     const LanePositions p = positionOf(vertices[vertex].at);
     const LanePositions next = positionOf(vertices[vertex + 1].at);
     const Lanes reach = allLanes(reachOf(state, vertices[vertex]));
+    const VertexNumber corner0[4] = {vertex, vertex, vertex, vertex};
     LeastSoFar nearest;
     for (std::uint32_t i = 0; i < numFacets; i += 4) {
         const auto cornersAt = [&](unsigned k) {
@@ -310,9 +314,10 @@ inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
                                   corners[i + 2].vertex[k], corners[i + 3].vertex[k]);
         };
         const LaneSpheres spheres =
-            makeLaneSpheres(p, cornersAt(1), cornersAt(2), cornersAt(3), reach);
+            makeLaneSpheres(p, cornersAt(0), cornersAt(1), cornersAt(2), reach);
         nearest.take(squaredLength(spheres.centre - next) - spheres.squaredRadius, i);
-        storeSpheres(tets, state.region.data() + i, spheres.centre, spheres.squaredRadius);
+        storeSpheres(tets, state.region.data() + i, spheres.centre, spheres.squaredRadius,
+                     corner0);
     }
     const std::uint32_t place = nearest.place();
     return place < numFacets ? place : 0;
@@ -348,7 +353,7 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     if (numFacets > size.numDoomed) state.mesh.reserve(numFacets - size.numDoomed);
     state.growRegionLists(numFacets + 4, numFacets + 4);
     Slot* const slots = state.region.data();
-    const CavitySize cavity = listCorners(state, vertex, numFacets);
+    const CavitySize cavity = listCorners(state, numFacets);
     if (numFacets + 4 != 2 * cavity.numVertices) state.failOpenCavity(1);
     for (std::uint32_t i = size.numDoomed; i < numFacets; ++i) slots[i] = state.mesh.take();
     for (std::uint32_t i = numFacets; i < size.numDoomed; ++i) state.mesh.release(slots[i]);
@@ -367,13 +372,14 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     CompactTet* const tets = state.mesh.tets();
     for (std::uint32_t i = 0; i < numFacets; ++i) {
         CompactTet& tet = tets[slots[i]];
-        for (unsigned k = 0; k < 4; ++k) tet.vertex[k] = state.corners[i].vertex[k];
+        for (unsigned k = 0; k < 3; ++k) tet.vertex[k + 1] = state.corners[i].vertex[k];
+        tet.mark = 0;
         tet.link[0] = state.outer[i];
         tets[slotOf(state.outer[i])].link[facetOf(state.outer[i])] = facetCode(slots[i], 0);
     }
     if (!state.incident.empty())
         for (std::uint32_t i = 0; i < numFacets; ++i)
-            for (const VertexNumber corner : state.corners[i].vertex)
+            for (const VertexNumber corner : tets[slots[i]].vertex)
                 state.incident[corner] = slots[i];
     state.mesh.vertices()[vertex].firstLabel = state.numMade;
     state.numMade += numFacets - cavity.numGhosts;
@@ -393,21 +399,20 @@ void makeSpheres(BatchState& state, Slot first, std::size_t count) {
     const CompactVertex* const vertices = state.mesh.vertices();
     for (std::size_t done = 0; done < count; done += 4) {
         Slot slots[4];
-        Lanes reach = allLanes(0.0);
-        for (unsigned i = 0; i < 4; ++i)
+        VertexNumber corner0[4];
+        double reach = 0.0;
+        for (unsigned i = 0; i < 4; ++i) {
             slots[i] = done + i < count ? first + static_cast<Slot>(done) + i : CompactMesh::DUMMY;
-        double reaches[4];
-        for (unsigned i = 0; i < 4; ++i)
-            reaches[i] = reachOf(state, vertices[tets[slots[i]].vertex[0]]);
-        reach = allLanes(
-            std::fmax(std::fmax(reaches[0], reaches[1]), std::fmax(reaches[2], reaches[3])));
+            corner0[i] = tets[slots[i]].vertex[0];
+            reach = std::fmax(reach, reachOf(state, vertices[corner0[i]]));
+        }
         const auto cornersAt = [&](unsigned k) {
             return gatherVertices(vertices, tets[slots[0]].vertex[k], tets[slots[1]].vertex[k],
                                   tets[slots[2]].vertex[k], tets[slots[3]].vertex[k]);
         };
-        const LaneSpheres spheres =
-            makeLaneSpheres(cornersAt(0), cornersAt(1), cornersAt(2), cornersAt(3), reach);
-        storeSpheres(tets, slots, spheres.centre, spheres.squaredRadius);
+        const LaneSpheres spheres = makeLaneSpheres(cornersAt(0), cornersAt(1), cornersAt(2),
+                                                    cornersAt(3), allLanes(reach));
+        storeSpheres(tets, slots, spheres.centre, spheres.squaredRadius, corner0);
     }
     state.mesh.resetDummy();
 }

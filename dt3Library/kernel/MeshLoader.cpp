@@ -27,6 +27,7 @@ void MeshLoader::load(const KernelSteps& steps) {
 
 void MeshLoader::loadRecord(const Tet3* record, Slot slot) {
     CompactTet& tet = state.mesh.tets()[slot];
+    tet.mark = 0;
     for (int i = 0; i < 4; ++i) {
         tet.vertex[i] = numberOfVertex[vertices.indexOf(MeshAccess::corner(record, i))];
         const Tet3* neighbour = MeshAccess::neighbour(record, i);
@@ -51,6 +52,7 @@ void MeshLoader::addGhosts() {
         const CompactTet& inside = mesh.tets()[slotOf(hull[i])];
         const Slot slot = mesh.take();
         CompactTet& ghost = mesh.tets()[slot];
+        ghost.mark = 0;
         ghost.vertex[0] = AT_INFINITY;
         for (unsigned k = 0; k < 3; ++k) {
             facets[i].number[k] = inside.vertex[OUTER_FACET[facetOf(hull[i])][k]];

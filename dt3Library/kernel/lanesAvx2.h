@@ -44,13 +44,11 @@ inline LanePositions gather(const double* a, const double* b, const double* c, c
 /// A look at four tetrahedra from a point: squared distance to the centre, squared radius.
 struct Look {
     Lanes squaredDistance, squaredRadius;
-    /// Which have this mark.
-    unsigned marked;
 };
 
 inline Look lookAt(const CompactTet* a, const CompactTet* b, const CompactTet* c,
-                   const CompactTet* d, const LanePositions& p, std::uint32_t mark) {
-    // A tetrahedron's first half line: the centre, and the radius and mark as a fourth double.
+                   const CompactTet* d, const LanePositions& p) {
+    // A tetrahedron's first half line: the centre, and the radius and a corner as a fourth double.
     const Lanes rowA = _mm256_load_pd(a->centre), rowB = _mm256_load_pd(b->centre);
     const Lanes rowC = _mm256_load_pd(c->centre), rowD = _mm256_load_pd(d->centre);
     const Lanes xzAB = _mm256_unpacklo_pd(rowA, rowB), ywAB = _mm256_unpackhi_pd(rowA, rowB);
@@ -59,12 +57,23 @@ inline Look lookAt(const CompactTet* a, const CompactTet* b, const CompactTet* c
     const Lanes dy = _mm256_permute2f128_pd(ywAB, ywCD, 0x20) - p.y;
     const Lanes dz = _mm256_permute2f128_pd(xzAB, xzCD, 0x31) - p.z;
     const __m256i tail = _mm256_castpd_si256(_mm256_permute2f128_pd(ywAB, ywCD, 0x31));
-    const __m256i same = _mm256_cmpeq_epi32(tail, _mm256_set1_epi32(static_cast<int>(mark)));
     const __m256i radii =
         _mm256_permutevar8x32_epi32(tail, _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6));
     return {multiplyAdd(dz, dz, multiplyAdd(dy, dy, dx * dx)),
-            _mm256_cvtps_pd(_mm_castsi128_ps(_mm256_castsi256_si128(radii))),
-            static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(same)))};
+            _mm256_cvtps_pd(_mm_castsi128_ps(_mm256_castsi256_si128(radii)))};
+}
+
+/// Which of four tetrahedra have this mark.
+inline unsigned markedOf(const CompactTet* a, const CompactTet* b, const CompactTet* c,
+                         const CompactTet* d, std::uint32_t mark) {
+    const auto everywhere = [](const CompactTet* tet) {
+        return _mm_set1_epi32(static_cast<int>(tet->mark));
+    };
+    const __m128i marks =
+        _mm_blend_epi32(_mm_blend_epi32(everywhere(a), everywhere(b), 2),
+                        _mm_blend_epi32(everywhere(c), everywhere(d), 8), 12);
+    return static_cast<unsigned>(_mm_movemask_ps(
+        _mm_castsi128_ps(_mm_cmpeq_epi32(marks, _mm_set1_epi32(static_cast<int>(mark))))));
 }
 
 /// The lane with the least value, NaN counting as infinite, and that value.
@@ -105,11 +114,13 @@ struct LeastSoFar {
     }
 };
 
-/// Writes centres and squared radii; the marks become 0.
+/// Writes centres, squared radii and corners 0.
 inline void storeSpheres(CompactTet* tets, const Slot* slots, const LanePositions& centre,
-                         Lanes squaredRadius) {
-    const Lanes tail = _mm256_castsi256_pd(
-        _mm256_cvtepu32_epi64(_mm_castps_si128(_mm256_cvtpd_ps(squaredRadius))));
+                         Lanes squaredRadius, const VertexNumber (&corner0)[4]) {
+    const __m128i radii = _mm_castps_si128(_mm256_cvtpd_ps(squaredRadius));
+    const __m128i corners = _mm_loadu_si128(reinterpret_cast<const __m128i*>(corner0));
+    const Lanes tail = _mm256_castsi256_pd(_mm256_setr_m128i(_mm_unpacklo_epi32(radii, corners),
+                                                             _mm_unpackhi_epi32(radii, corners)));
     const Lanes xy02 = _mm256_unpacklo_pd(centre.x, centre.y);
     const Lanes xy13 = _mm256_unpackhi_pd(centre.x, centre.y);
     const Lanes zt02 = _mm256_unpacklo_pd(centre.z, tail);

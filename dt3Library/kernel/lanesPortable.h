@@ -62,21 +62,23 @@ inline LanePositions gather(const double* a, const double* b, const double* c, c
 /// A look at four tetrahedra from a point: squared distance to the centre, squared radius.
 struct Look {
     Lanes squaredDistance, squaredRadius;
-    /// Which have this mark.
-    unsigned marked;
 };
 
 inline Look lookAt(const CompactTet* a, const CompactTet* b, const CompactTet* c,
-                   const CompactTet* d, const LanePositions& p, std::uint32_t mark) {
+                   const CompactTet* d, const LanePositions& p) {
     const LanePositions centre = gather(a->centre, b->centre, c->centre, d->centre);
     const Lanes dx = centre.x - p.x;
     const Lanes dy = centre.y - p.y;
     const Lanes dz = centre.z - p.z;
-    const unsigned marked = (a->mark == mark ? 1U : 0U) | (b->mark == mark ? 2U : 0U) |
-                            (c->mark == mark ? 4U : 0U) | (d->mark == mark ? 8U : 0U);
     return {dx * dx + dy * dy + dz * dz,
-            {{a->squaredRadius, b->squaredRadius, c->squaredRadius, d->squaredRadius}},
-            marked};
+            {{a->squaredRadius, b->squaredRadius, c->squaredRadius, d->squaredRadius}}};
+}
+
+/// Which of four tetrahedra have this mark.
+inline unsigned markedOf(const CompactTet* a, const CompactTet* b, const CompactTet* c,
+                         const CompactTet* d, std::uint32_t mark) {
+    return (a->mark == mark ? 1U : 0U) | (b->mark == mark ? 2U : 0U) |
+           (c->mark == mark ? 4U : 0U) | (d->mark == mark ? 8U : 0U);
 }
 
 /// The lane with the least value, NaN counting as infinite, and that value.
@@ -106,16 +108,16 @@ struct LeastSoFar {
     std::uint32_t place() const { return where; }
 };
 
-/// Writes centres and squared radii; the marks become 0.
+/// Writes centres, squared radii and corners 0.
 inline void storeSpheres(CompactTet* tets, const Slot* slots, const LanePositions& centre,
-                         const Lanes& squaredRadius) {
+                         const Lanes& squaredRadius, const VertexNumber (&corner0)[4]) {
     for (int i = 0; i < 4; ++i) {
         CompactTet& tet = tets[slots[i]];
         tet.centre[0] = centre.x.lane[i];
         tet.centre[1] = centre.y.lane[i];
         tet.centre[2] = centre.z.lane[i];
         tet.squaredRadius = static_cast<float>(squaredRadius.lane[i]);
-        tet.mark = 0;
+        tet.vertex[0] = corner0[i];
     }
 }
 
