@@ -1,5 +1,6 @@
 #include "dt3Library/kernel/RecordWriter.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "dt3Library/MeshAccess.h"
@@ -28,53 +29,60 @@ Tet3* RecordWriter::writeTo(TetRecycler& tets) {
     return anyRecord;
 }
 
+/// Reads bytes, since the memory may hold records in the next moment.
+inline RecordWriter::Topology::Topology(const CompactTet* tet) {
+    const auto* const bytes = reinterpret_cast<const char*>(tet);
+    std::memcpy(vertex, bytes + offsetof(CompactTet, vertex), sizeof vertex);
+    std::memcpy(link, bytes + offsetof(CompactTet, link), sizeof link);
+}
+
 /// Where records are larger than compact tetrahedra, from the last to the first, so that each is
 /// written where only itself and later ones were; else from the first to the last.
 void RecordWriter::writeAll() {
     // The tetrahedra begin up to three alignments of malloc after the records, so the first few may
     // be in the way of each other.
-    constexpr Slot NUM_FIRST = 4;
     const CompactTet* const compact = state.mesh.tets();
-    CompactTet first[NUM_FIRST];
-    std::memcpy(first, compact, sizeof first);
-    const auto writeSlot = [&](Slot slot) {
-        CompactTet tet;
-        std::memcpy(&tet, slot < NUM_FIRST ? first + slot : compact + slot, sizeof tet);
-        write(slot, tet);
-    };
+    const Topology first[4] = {Topology(compact), Topology(compact + 1), Topology(compact + 2),
+                               Topology(compact + 3)};
+    constexpr Slot NUM_FIRST = 4;
     if constexpr (sizeof(Tet3) >= sizeof(CompactTet)) {
-        for (Slot slot = numSlots; slot-- > 0;) writeSlot(slot);
+        for (Slot slot = numSlots; slot-- > NUM_FIRST;) write(slot, Topology(compact + slot));
+        for (Slot slot = NUM_FIRST; slot-- > 0;) write(slot, first[slot]);
     } else {
-        for (Slot slot = 0; slot < numSlots; ++slot) writeSlot(slot);
+        for (Slot slot = 0; slot < NUM_FIRST; ++slot) write(slot, first[slot]);
+        for (Slot slot = NUM_FIRST; slot < numSlots; ++slot) write(slot, Topology(compact + slot));
     }
 }
 
-void RecordWriter::write(Slot slot, const CompactTet& tet) {
-    if (tet.cornerAtInfinity() < 4) {
+inline void RecordWriter::write(Slot slot, const Topology& tet) {
+    const auto& v = tet.vertex;
+    if (v[0] == AT_INFINITY || v[1] == AT_INFINITY || v[2] == AT_INFINITY || v[3] == AT_INFINITY) {
         writeDead(slot, tet);
         return;
     }
+    Point3* const corners[4] = {vertices[v[0]], vertices[v[1]], vertices[v[2]], vertices[v[3]]};
+    const bool bNew = v[0] >= firstNewVertex;
+    const std::uint32_t newLabel = bNew ? firstLabel + nextLabels[v[0] - firstNewVertex]++ : 0;
     Tet3* const record = MeshAccess::newRecord(records + slot);
+    MeshAccess::label(record) = static_cast<std::int32_t>(newLabel);
     for (int i = 0; i < 4; ++i) {
-        Point3* const corner = vertices[tet.vertex[i]];
-        MeshAccess::corner(record, i) = corner;
+        MeshAccess::corner(record, i) = corners[i];
         MeshAccess::neighbour(record, i) = records + slotOf(tet.link[i]);
-        corner->setOneTet(record);
     }
-    if (tet.vertex[0] >= firstNewVertex) {
-        MeshAccess::label(record) =
-            static_cast<std::int32_t>(firstLabel + nextLabels[tet.vertex[0] - firstNewVertex]++);
-    } else {
+    if (!bNew) {
         const Tet3* const old = loaded.at(slot - 1);
         MeshAccess::label(record) = MeshAccess::label(old);
         MeshAccess::customIndex(record) = old->getCustomIndex();
     }
+    for (Point3* const corner : corners) corner->setOneTet(record);
     anyRecord = record;
 }
 
 /// Ghosts, the dummy and free slots become records to be used again.
-void RecordWriter::writeDead(Slot slot, const CompactTet& tet) {
-    if (!tet.isEmpty()) hull.push_back(tet.link[tet.cornerAtInfinity()]);
+void RecordWriter::writeDead(Slot slot, const Topology& tet) {
+    for (int i = 0; i < 4; ++i)
+        if (tet.vertex[i] == AT_INFINITY && tet.vertex[(i + 1) % 4] != AT_INFINITY)
+            hull.push_back(tet.link[i]);
     Tet3* const record = MeshAccess::newRecord(records + slot);
     MeshAccess::visited(record) = true;
     dead.push_back(record);

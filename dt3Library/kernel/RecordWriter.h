@@ -26,8 +26,16 @@ class RecordWriter {
 
   private:
     void writeAll();
-    void write(Slot slot, const CompactTet& tet);
-    void writeDead(Slot slot, const CompactTet& tet);
+    /// What a record needs of a compact tetrahedron.
+    struct Topology {
+        VertexNumber vertex[4];
+        FacetCode link[4];
+
+        explicit Topology(const CompactTet* tet);
+    };
+
+    void write(Slot slot, const Topology& tet);
+    void writeDead(Slot slot, const Topology& tet);
 
     BatchState& state;
     const std::vector<Point3*>& vertices;
