@@ -1,9 +1,8 @@
 #!/bin/sh
-# run-fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets (mesh, predicates, readers,
-# spheres) with clang,
-# address and undefined-behaviour sanitizers, and runs them side by side for so long (default 60),
-# each starting from its corpus in fuzz/corpus. New inputs, the logs and a failing input are kept in
-# build/fuzz, or in VARN3D_FUZZ_BUILD. Installs what is missing (Debian).
+# run-fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets (mesh, predicates, readers, spheres) with
+# clang, address and undefined-behaviour sanitizers, and runs them side by side for so long (default
+# 60), each starting from its corpus in fuzz/corpus. New inputs, the logs and a failing input are kept
+# in build/fuzz, or in VARN3D_FUZZ_BUILD. Installs what is missing (Debian).
 set -eu
 
 cd "$(dirname -- "$0")/.."

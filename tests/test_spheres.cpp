@@ -70,7 +70,7 @@ TEST(Spheres, theAttackFindsOutWhatIsNotProved) {
     for (const Spheres& spheres :
          {scalarSpheres<Flatter>("flatter"), scalarSpheres<Smaller>("smaller"),
           scalarSpheres<Narrower>("narrower"), movedInexactly})
-        EXPECT_GT(attack(spheres, 1000).numWrong, 10) << spheres.name;
+        EXPECT_GT(attack(spheres, 500).numWrong, 5) << spheres.name;
 }
 
 TEST(Spheres, whatHasNoSphereOrTooLargeAOneIsNotCertified) {
@@ -89,7 +89,7 @@ TEST(Spheres, whatHasNoSphereOrTooLargeAOneIsNotCertified) {
 bool areSimilar(const std::vector<Coordinates>& given, const std::vector<Coordinates>& moved) {
     mpq_class ratio = 0;
     for (std::size_t i = 1; i < given.size(); ++i)
-        for (std::size_t k = 0; k < 3; ++k) {
+        for (int k = 0; k < 3; ++k) {
             const mpq_class from = mpq_class(given[i].xyz[k]) - mpq_class(given[0].xyz[k]);
             const mpq_class to = mpq_class(moved[i].xyz[k]) - mpq_class(moved[0].xyz[k]);
             if (ratio == 0 && from != 0) ratio = to / from;
@@ -102,7 +102,8 @@ bool areSimilar(const std::vector<Coordinates>& given, const std::vector<Coordin
 /// Of about 2^exponent, or some powers more or less.
 double valueNear(Random& r, int exponent) {
     const int e = exponent + r.below(r.below(2) == 0 ? 3 : 80) - 1;
-    return std::ldexp((r.below(2) == 0 ? -1 : 1) * (1.0 + r.unit()), std::clamp(e, -1075, 1022));
+    const double mantissa = 1.0 + r.unit();
+    return std::ldexp(r.below(2) == 0 ? -mantissa : mantissa, std::clamp(e, -1075, 1022));
 }
 
 /// The ends of a box on one axis: any, one nearly three times the other, close together, on both
@@ -122,56 +123,55 @@ std::pair<double, double> axisRange(Random& r, int exponent) {
     return std::minmax(one, std::clamp(other, -MAX, MAX));
 }
 
+/// A point of the box, or when `bOutside` perhaps not.
+Coordinates pointNear(Random& r, const Coordinates (&box)[2], bool bOutside) {
+    Coordinates q;
+    for (int k = 0; k < 3; ++k) {
+        const double low = box[0].xyz[k], high = box[1].xyz[k], t = r.unit();
+        q.xyz[k] = std::clamp((1 - t) * low + t * high, low, high);
+        if (bOutside) q.xyz[k] *= r.below(2) == 0 ? 0.5 : 1.5;
+        if (!std::isfinite(q.xyz[k])) q.xyz[k] = high;
+    }
+    return q;
+}
+
 TEST(ExactFrame, movesWithoutRounding) {
     Random r(11);
     int numMoved = 0, numLosing = 0, numLost = 0;
     for (int i = 0; i < 4000; ++i) {
-        Coordinates low, high;
-        bool bNormal = true;
-        const int exponent = i % 2 == 0   ? r.below(30) - 15
-                             : i % 8 == 1 ? -1072
-                                          : r.below(2100) - 1075;
-        for (int k = 0; k < 3; ++k) {
-            std::tie(low.xyz[k], high.xyz[k]) = axisRange(r, exponent);
-            bNormal = bNormal && std::max(-low.xyz[k], high.xyz[k]) > 0x1p-1000;
-        }
-        const ExactFrame frame(low.xyz, high.xyz);
-        std::vector<Coordinates> given = {low, high}, exact, moved;
-        for (int j = 0; j < 6; ++j) {
-            Coordinates q;
-            for (int k = 0; k < 3; ++k) {
-                const double t = r.unit(), between = (1 - t) * low.xyz[k] + t * high.xyz[k];
-                const double inside = std::clamp(between, low.xyz[k], high.xyz[k]);
-                q.xyz[k] = j < 4 ? inside : j == 4 ? inside / 2 : valueNear(r, exponent);
+        constexpr int EXPONENTS[4] = {-1072, 1020, 0, 0};
+        const int exponent = i % 8 < 4 ? EXPONENTS[i % 8] : r.below(2100) - 1075;
+        Coordinates box[2];
+        for (int k = 0; k < 3; ++k) std::tie(box[0].xyz[k], box[1].xyz[k]) = axisRange(r, exponent);
+        const ExactFrame frame(box[0].xyz, box[1].xyz);
+        EXPECT_TRUE(frame.isCertifiable());
+        if (frame.mayLoseBits()) ++numLosing;
+        std::vector<Coordinates> given, moved;
+        for (int j = 0; j < 8; ++j) {
+            const Coordinates q = j < 2 ? box[j] : pointNear(r, box, j >= 6);
+            if (frame.isExactFor(q.xyz)) {
+                given.push_back(q);
+                frame.apply(q.xyz, moved.emplace_back().xyz);
+                for (const double c : moved.back().xyz) EXPECT_LE(std::fabs(c), 0x1p30);
+            } else if (j < 6) {
+                EXPECT_TRUE(frame.mayLoseBits());
+                ++numLost;
             }
-            given.push_back(q);
         }
-        for (std::size_t j = 0; j < given.size(); ++j) {
-            const bool bExact = frame.isExactFor(given[j].xyz);
-            EXPECT_TRUE(j >= 6 || bExact || frame.mayLoseBits());
-            if (j < 6 && !bExact) ++numLost;
-            if (!bExact) continue;
-            exact.push_back(given[j]);
-            frame.apply(given[j].xyz, moved.emplace_back().xyz);
-            for (const double c : moved.back().xyz) EXPECT_LE(std::fabs(c), 0x1p30);
-        }
-        EXPECT_TRUE(exact.empty() || areSimilar(exact, moved)) << i;
-        // The corners of the box, for what it gains.
-        Coordinates first, last;
-        frame.apply(low.xyz, first.xyz);
-        frame.apply(high.xyz, last.xyz);
+        EXPECT_TRUE(areSimilar(given, moved)) << i;
+        // What the frame is for: coordinates no larger than the box allows, and of their range.
+        Coordinates low, high;
+        frame.apply(box[0].xyz, low.xyz);
+        frame.apply(box[1].xyz, high.xyz);
         double reach = 0.0, side = 0.0;
         for (int k = 0; k < 3; ++k) {
-            reach = std::max({reach, std::fabs(first.xyz[k]), std::fabs(last.xyz[k])});
-            side = std::max(side, last.xyz[k] - first.xyz[k]);
-            if (first.xyz[k] < 0.0 && low.xyz[k] > 0.0) ++numMoved;
+            reach = std::max({reach, -low.xyz[k], high.xyz[k]});
+            side = std::max(side, high.xyz[k] - low.xyz[k]);
+            if (low.xyz[k] < 0.0 && box[0].xyz[k] > 0.0) ++numMoved;
         }
-        EXPECT_TRUE(frame.isCertifiable());
         EXPECT_TRUE(reach == 0.0 || reach >= 0x1p-30);
-        EXPECT_TRUE(!bNormal || reach <= 1.5 * side * (1.0 + 0x1p-50)) << i;
-        if (frame.mayLoseBits()) ++numLosing;
+        EXPECT_TRUE(exponent < -1000 || reach <= 1.5 * side * (1.0 + 0x1p-50)) << i;
     }
-    printf("%d %d %d\n", numMoved, numLosing, numLost);
     EXPECT_GT(numMoved, 1000);
     EXPECT_GT(numLosing, 1000);
     EXPECT_GT(numLost, 100);
