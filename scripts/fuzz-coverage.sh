@@ -13,9 +13,10 @@ cmake -S . -B "$build" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_CXX_FLAGS_RELEASE=-O1 -DCMAKE_CXX_FLAGS="-fprofile-instr-generate -fcoverage-mapping" \
     -DVARN3D_BUILD_FUZZ=ON -DVARN3D_BUILD_TESTS=OFF -DVARN3D_BUILD_TOOLS=OFF \
     -DVARN3D_BUILD_EXAMPLES=OFF -DVARN3D_BUILD_BENCH=OFF >/dev/null
-cmake --build "$build" --parallel "$(nproc)" --target fuzz_mesh fuzz_predicates fuzz_readers
+cmake --build "$build" --parallel "$(nproc)" \
+    --target fuzz_mesh fuzz_predicates fuzz_readers fuzz_spheres
 
-for target in mesh predicates readers; do
+for target in mesh predicates readers spheres; do
     corpora=fuzz/corpus/$target
     for directory in "$@"; do
         corpora="$corpora $directory/corpus-$target"
@@ -29,6 +30,7 @@ for target in mesh predicates readers; do
     [ $target != readers ] || files='tools/PlyReader.cpp tools/PointFile.cpp tools/TextReader.cpp
         tools/parsing.cpp'
     [ $target != predicates ] || files='dt3Library/GeomTest3.cpp dt3Library/predicateStages.h'
+    [ $target != spheres ] || files=dt3Library/kernel
     echo "== fuzz_$target: $(find $corpora -type f | wc -l) inputs"
     # shellcheck disable=SC2086
     llvm-cov report "$build/fuzz/fuzz_$target" -instr-profile="$build/$target.profdata" $files |

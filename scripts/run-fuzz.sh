@@ -1,8 +1,8 @@
 #!/bin/sh
-# run-fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets (mesh, predicates, readers) with clang,
-# address and undefined-behaviour sanitizers, and runs them side by side for so long (default 60),
-# each starting from its corpus in fuzz/corpus. New inputs, the logs and a failing input are kept in
-# build/fuzz, or in VARN3D_FUZZ_BUILD. Installs what is missing (Debian).
+# run-fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets (mesh, predicates, readers, spheres) with
+# clang, address and undefined-behaviour sanitizers, and runs them side by side for so long (default
+# 60), each starting from its corpus in fuzz/corpus. New inputs, the logs and a failing input are kept
+# in build/fuzz, or in VARN3D_FUZZ_BUILD. Installs what is missing (Debian).
 set -eu
 
 cd "$(dirname -- "$0")/.."
@@ -10,7 +10,7 @@ cd "$(dirname -- "$0")/.."
 
 seconds=${1:-60}
 [ $# -eq 0 ] || shift
-[ $# -gt 0 ] || set -- mesh predicates readers
+[ $# -gt 0 ] || set -- mesh predicates readers spheres
 build=${VARN3D_FUZZ_BUILD:-build/fuzz}
 
 install_missing clang make cmake libclang-rt-dev libgmp-dev

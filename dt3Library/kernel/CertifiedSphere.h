@@ -144,7 +144,7 @@ int sideOfSphere(const CachedSphere& sphere, const double (&q)[3]) {
     const cachedSphere::Row away = cachedSphere::difference(q, centre);
     const double distance = cachedSphere::dot(away, away);
     // As a double first: a product of floats would add an error as large as the whole margin.
-    const double r2 = static_cast<double>(sphere.squaredRadius);
+    const auto r2 = static_cast<double>(sphere.squaredRadius);
     return (distance > r2 * (1.0 + Certificate::ETA) ? 1 : 0) -
            (distance < r2 * (1.0 - Certificate::ETA) ? 1 : 0);
 }

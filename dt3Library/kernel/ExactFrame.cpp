@@ -30,8 +30,7 @@ ExactFrame::ExactFrame(const double (&low)[3], const double (&high)[3]) : bCerti
         reach = std::max(
             {reach, std::fabs(low[axis] - middle[axis]), std::fabs(high[axis] - middle[axis])});
     }
-    bScaled =
-        reach > Certificate::MAX_COORDINATE || (reach < Certificate::LEAST_REACH && reach > 0.0);
+    bScaled = reach > Certificate::MAX_COORDINATE || reach < Certificate::LEAST_REACH;
     if (!bScaled) return;
     int exponent;
     std::frexp(reach, &exponent);
