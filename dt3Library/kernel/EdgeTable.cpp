@@ -25,12 +25,13 @@ void EdgeTable::grow(std::size_t numVertices) {
 
 std::size_t EdgeTable::linkByHashing(const std::vector<CavityFacet>& facets, std::size_t numFacets,
                                      const Slot* slots, CompactTet* tets) {
-    std::size_t capacity = 4096;
-    while (capacity < 6 * numFacets) capacity *= 2;
+    unsigned bits = 12;
+    while (std::size_t{1} << bits < 6 * numFacets) ++bits;
+    const std::size_t capacity = std::size_t{1} << bits;
     hash.assign(capacity, {NO_EDGE, 0});
     const auto place = [&](std::uint64_t edge) {
-        std::size_t at =
-            static_cast<std::size_t>(edge * 0x9E3779B97F4A7C15U >> 20) & (capacity - 1);
+        // The topmost bits of the product depend on both vertices.
+        auto at = static_cast<std::size_t>(edge * 0x9E3779B97F4A7C15U >> (64 - bits));
         while (hash[at].edge != NO_EDGE && hash[at].edge != edge) at = (at + 1) & (capacity - 1);
         return at;
     };
