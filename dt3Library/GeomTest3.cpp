@@ -25,16 +25,22 @@ struct Decision {
     PredicateStage stage;
 };
 
-/// What the filter leaves.
+/// What plain doubles leave.
 template <class Predicate>
-Decision decideExactly(const Points<Predicate>& points, const Estimate& estimate) {
-    Verdict verdict = decideOnLattice(points, estimate);
-    if (verdict.bCertain) return {verdict.sign, PredicateStage::Lattice};
-    verdict = decideByIntegers<Predicate, 1>(points);
+Decision decideByIntegers(const Points<Predicate>& points) {
+    Verdict verdict = decideByIntegers<Predicate, 1>(points);
     if (verdict.bCertain) return {verdict.sign, PredicateStage::SmallInteger};
     verdict = decideByIntegers<Predicate, 2>(points);
     if (verdict.bCertain) return {verdict.sign, PredicateStage::MediumInteger};
     return {signByWideIntegers(points), PredicateStage::WideInteger};
+}
+
+/// What the filter leaves.
+template <class Predicate>
+Decision decideExactly(const Points<Predicate>& points, const Estimate& estimate) {
+    const Verdict verdict = decideOnLattice(points, estimate);
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::Lattice};
+    return decideByIntegers(points);
 }
 
 template <class Predicate>
@@ -145,14 +151,16 @@ FacetSides GeomTest3::seeFacets(const Tet3* pTet, const Point3* p) const {
     return {{side0, side1, side2, side3}, bound, notInner};
 }
 
-SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
-    return sphereInclusionTest(MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
-                               MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE);
+bool GeomTest3::isStrictlyInSphere(const Point3* pa, const Point3* pb, const Point3* pc,
+                                   const Point3* pd, const Point3* pe) const {
+    const Decision decision = decideByIntegers(Points<Sphere>{{pa, pb, pc, pd, pe}});
+    VARN3D_COUNT_STAGE(sphere, decision.stage);
+    return decision.sign < 0;
 }
 
-SphereInclusion GeomTest3::sphereInclusionTest(const Point3* pa, const Point3* pb, const Point3* pc,
-                                               const Point3* pd, const Point3* pE) const {
-    const Points<Sphere> points{{pa, pb, pc, pd, pE}};
+SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
+    const Points<Sphere> points{{MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
+                                 MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE}};
     const Decision decision = decide(points, constants.isperrboundA);
     VARN3D_COUNT_STAGE(sphere, decision.stage);
     if (decision.sign != 0) return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;

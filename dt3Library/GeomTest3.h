@@ -64,8 +64,11 @@ class GeomTest3 {
     /// A first look at all facets at once.
     FacetSides seeFacets(const Tet3* pTet, const Point3* p) const;
     SphereInclusion sphereInclusionTest(const Tet3* pTet, const Point3* pE) const;
-    SphereInclusion sphereInclusionTest(const Point3* pa, const Point3* pb, const Point3* pc,
-                                        const Point3* pd, const Point3* pE) const;
+    /// Whether the last point lies strictly inside the sphere through the other four, which must be
+    /// positively oriented. In exact integers, without a look at plain doubles: for points of which
+    /// these are known to tell nothing.
+    bool isStrictlyInSphere(const Point3* pa, const Point3* pb, const Point3* pc, const Point3* pd,
+                            const Point3* pe) const;
 
     /// Whether three points lie exactly on one line (coinciding points do).
     bool areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const;

@@ -70,8 +70,11 @@ struct Estimate {
 // nothing is greater than the bound.
 constexpr double UNDERFLOW = 0x1p-1000;
 
-/// Shewchuk's constant for the sphere test's first stage.
+/// @{
+/// Shewchuk's constants for the first stage.
+constexpr double ORIENTATION_FILTER_BOUND = (7.0 + 56.0 * 0x1p-53) * 0x1p-53;
 constexpr double SPHERE_FILTER_BOUND = (16.0 + 224.0 * 0x1p-53) * 0x1p-53;
+/// @}
 
 /// Shewchuk's 3D orientation of a, b, c against the last point; rows are differences to that point.
 struct Orientation {

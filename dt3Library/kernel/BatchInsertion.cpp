@@ -80,6 +80,7 @@ void BatchInsertion::setUpState() {
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
         vertices[i].firstLabel = 0;
     }
+    state->findLattice(numVertices);
 }
 
 void BatchInsertion::insertAll(Slot start) {

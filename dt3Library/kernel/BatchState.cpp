@@ -1,11 +1,14 @@
 #include "dt3Library/kernel/BatchState.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <new>
 
 #include "dt3Library/EngineCheck.h"
+#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/predicateStages.h"
 
 namespace VARN3D {
 
@@ -36,6 +39,29 @@ std::uint32_t* BatchState::rememberedOutcomes() {
         }
     }
     return outcomes.get();
+}
+
+/// Where all coordinates are multiples of a power of two u, all differences are, and a determinant
+/// of degree d with a permanent below 2^52 u^d rounds nowhere: every value on the way to a term is
+/// an integer below 2^53 in its power of u.
+void BatchState::findLattice(std::size_t numVertices) {
+    if (!bCertified) return;
+    // Finer units than this leave hardly any determinant exact, so general input is given up at its
+    // first point.
+    constexpr double FINEST = 0x1p-30;
+    double largest = 0.0;
+    for (std::size_t i = 1; i <= numVertices; ++i)
+        for (const double c : mesh.vertices()[i].at) largest = std::max(largest, std::fabs(c));
+    double unit = predicateStages::powerOfTwo(std::ilogb(largest));
+    const double least = largest * FINEST;
+    for (std::size_t i = 1; i <= numVertices; ++i)
+        for (const double c : mesh.vertices()[i].at)
+            while (std::nearbyint(c / unit) * unit != c) {
+                unit *= 0.5;
+                if (unit < least) return;
+            }
+    orientationLattice = 0x1p52 * (unit * unit * unit);
+    sphereLattice = orientationLattice * (unit * unit);
 }
 
 void BatchState::listIncident() {

@@ -27,6 +27,12 @@ struct BatchState {
     CompactMesh mesh;
     const ExactTests exact;
     bool bCertified;
+    /// Permanents below which the determinants of these vertices are exact in doubles; 0 if none
+    /// are.
+    double orientationLattice = 0.0;
+    double sphereLattice = 0.0;
+    /// Sets them by the coordinates of all vertices.
+    void findLattice(std::size_t numVertices);
 
     /// The slots of the conflict region, then of the tetrahedra that fill it.
     std::vector<Slot> region;

@@ -24,22 +24,28 @@ Orientation3 ExactTests::orientationWith(const CompactTet& tet, unsigned corner,
     return predicates.getOrientation3(&a, &b, &c, &d);
 }
 
-bool ExactTests::isInSphere(const CompactTet& tet, VertexNumber point) const {
+Orientation3 ExactTests::sideOfHullFacet(Slot ghost, VertexNumber point) const {
+    const CompactTet& tet = mesh.tets()[ghost];
+    return orientationWith(tet, tet.cornerAtInfinity(), point);
+}
+
+bool ExactTests::isInSphere(Slot slot, VertexNumber point) const {
+    const CompactTet& tet = mesh.tets()[slot];
     const Point3 a = pointOf(tet.vertex[0]);
     const Point3 b = pointOf(tet.vertex[1]);
     const Point3 c = pointOf(tet.vertex[2]);
     const Point3 d = pointOf(tet.vertex[3]);
     const Point3 p = pointOf(point);
-    return predicates.sphereInclusionTest(&a, &b, &c, &d, &p) == SIC_INSIDE;
+    return predicates.isStrictlyInSphere(&a, &b, &c, &d, &p);
 }
 
 bool ExactTests::isInConflict(Slot slot, VertexNumber point) const {
     const CompactTet& tet = mesh.tets()[slot];
     const unsigned atInfinity = tet.cornerAtInfinity();
-    if (atInfinity == 4) return isInSphere(tet, point);
+    if (atInfinity == 4) return isInSphere(slot, point);
     const Orientation3 side = orientationWith(tet, atInfinity, point);
     if (side != ORIENTATION3_COPLANAR) return side == ORIENTATION3_POSITIVE;
-    return isInSphere(mesh.tets()[slotOf(tet.link[atInfinity])], point);
+    return isInSphere(slotOf(tet.link[atInfinity]), point);
 }
 
 Slot ExactTests::walk(Slot start, VertexNumber point) const {

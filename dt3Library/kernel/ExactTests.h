@@ -16,6 +16,11 @@ class ExactTests {
         : predicates(geomTest), mesh(compactMesh) {}
 
     bool isInConflict(Slot tet, VertexNumber point) const;
+    /// Positive where the point lies strictly beyond a ghost's hull facet.
+    Orientation3 sideOfHullFacet(Slot ghost, VertexNumber point) const;
+    /// Whether a point lies strictly in the sphere of a finite tetrahedron; for those that plain
+    /// determinants can't tell.
+    bool isInSphere(Slot tet, VertexNumber point) const;
 
     /// A visibility walk to a tetrahedron in conflict with the point. Ends on every mesh without
     /// faults; where it does not, prints "watchDog: bad point", and a check fails.
@@ -24,7 +29,6 @@ class ExactTests {
   private:
     Point3 pointOf(VertexNumber vertex) const;
     Orientation3 orientationWith(const CompactTet& tet, unsigned corner, VertexNumber point) const;
-    bool isInSphere(const CompactTet& tet, VertexNumber point) const;
 
     const GeomTest3& predicates;
     const CompactMesh& mesh;

@@ -68,16 +68,62 @@ inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
 
 // ---- Conflict region ---------------------------------------------------------------------------
 
+/// The signs of four determinants that are certain: those beyond their bounds, and all signs, also
+/// none, where no operation has rounded.
+struct CertainSigns {
+    unsigned negative;
+    unsigned positive;
+    unsigned zero;
+};
+inline CertainSigns certainSigns(Lanes determinant, Lanes bound, Lanes permanent, double lattice) {
+    const Lanes none = allLanes(0.0);
+    const unsigned bExact = whereLess(permanent, allLanes(lattice));
+    const unsigned below = whereLess(determinant, none);
+    const unsigned above = whereLess(none, determinant);
+    return {whereLess(determinant, none - bound) | (bExact & below),
+            whereLess(bound, determinant) | (bExact & above), bExact & ~(below | above)};
+}
+
+/// The determinants of the point and the hull facets of four ghosts, evaluated and bounded as the
+/// predicates' filter does: positive where the point lies beyond the facet.
+inline CertainSigns testHullFacets(const BatchState& state, const Slot* slots,
+                                   const LanePositions& p) {
+    const CompactTet* const tets = state.mesh.tets();
+    LanePositions row[3];
+    for (unsigned k = 0; k < 3; ++k) {
+        VertexNumber corner[4];
+        for (unsigned i = 0; i < 4; ++i) {
+            const CompactTet& ghost = tets[slots[i]];
+            corner[i] = ghost.vertex[INNER_FACET[ghost.cornerAtInfinity() & 3U][k]];
+        }
+        row[k] =
+            gatherVertices(state.mesh.vertices(), corner[0], corner[1], corner[2], corner[3]) - p;
+    }
+    const auto& [a, b, c] = row;
+    const Lanes bc = b.x * c.y, cb = c.x * b.y;
+    const Lanes ca = c.x * a.y, ac = a.x * c.y;
+    const Lanes ab = a.x * b.y, ba = b.x * a.y;
+    const Lanes sizeA = sizeOf(a.z), sizeB = sizeOf(b.z), sizeC = sizeOf(c.z);
+    const Lanes determinant = a.z * (bc - cb) + b.z * (ca - ac) + c.z * (ab - ba);
+    const Lanes permanent = (sizeOf(bc) + sizeOf(cb)) * sizeA + (sizeOf(ca) + sizeOf(ac)) * sizeB +
+                            (sizeOf(ab) + sizeOf(ba)) * sizeC;
+    const Lanes bound =
+        allLanes(predicateStages::ORIENTATION_FILTER_BOUND) * permanent +
+        allLanes(predicateStages::UNDERFLOW) * (allLanes(1.0) + sizeA + sizeB + sizeC);
+    return certainSigns(determinant, bound, permanent, state.orientationLattice);
+}
+
 /// The sphere determinants of four finite tetrahedra, evaluated and bounded as the predicates'
-/// filter does. Sets the bits of those certainly inside and certainly outside.
-inline void testDeterminants(const CompactMesh& mesh, const Slot* slots, const LanePositions& p,
-                             unsigned& inside, unsigned& outside) {
-    const CompactTet* const tets = mesh.tets();
+/// filter does: negative where the point lies inside.
+inline CertainSigns testDeterminants(const BatchState& state, const Slot* slots,
+                                     const LanePositions& p) {
+    const CompactTet* const tets = state.mesh.tets();
     LanePositions row[4];
     Lanes lift[4];
     for (unsigned k = 0; k < 4; ++k) {
-        row[k] = gatherVertices(mesh.vertices(), tets[slots[0]].vertex[k], tets[slots[1]].vertex[k],
-                                tets[slots[2]].vertex[k], tets[slots[3]].vertex[k]) -
+        row[k] = gatherVertices(state.mesh.vertices(), tets[slots[0]].vertex[k],
+                                tets[slots[1]].vertex[k], tets[slots[2]].vertex[k],
+                                tets[slots[3]].vertex[k]) -
                  p;
         lift[k] = (row[k].x * row[k].x + row[k].y * row[k].y) + row[k].z * row[k].z;
     }
@@ -105,49 +151,131 @@ inline void testDeterminants(const CompactMesh& mesh, const Slot* slots, const L
     const Lanes size = allLanes(1.0) + lift[0] + lift[1] + lift[2] + lift[3];
     const Lanes bound = allLanes(predicateStages::SPHERE_FILTER_BOUND) * permanent +
                         allLanes(predicateStages::UNDERFLOW) * (size * size);
-    inside = whereLess(determinant, allLanes(0.0) - bound);
-    outside = whereLess(bound, determinant);
+    return certainSigns(determinant, bound, permanent, state.sphereLattice);
 }
 
-/// Decides the looks that the cached spheres left open, given by their facet codes: first by what
-/// was found in this insertion already, then by determinants of four tetrahedra at once, the rest
+/// Looks that the cached spheres have left open.
+struct OpenLooks {
+    static constexpr unsigned MAX_LOOKS = 4 * WIDTH;
+
+    /// The slot that decides, and which look it is. There is room for a last group of four.
+    Slot slot[MAX_LOOKS + 3];
+    unsigned look[MAX_LOOKS];
+    unsigned count = 0;
+
+    void add(Slot s, unsigned l) {
+        slot[count] = s;
+        look[count++] = l;
+    }
+    void fillLastGroup() {
+        for (unsigned i = 0; i < 3; ++i) slot[count + i] = CompactMesh::DUMMY;
+    }
+};
+
+/// Whether a finite tetrahedron's outcome is known already or given by its cached sphere. The
+/// outcomes of an insertion are its vertex's number and, as the lowest bit, whether in conflict.
+inline bool isDecided(const CompactTet* tets, std::uint32_t* outcomes, Slot slot,
+                      const LanePositions& p, std::uint32_t unknown) {
+    if ((outcomes[slot] ^ unknown) < 2) return true;
+    const CompactTet* const tet = tets + slot;
+    const Look look = lookAt(tet, tet, tet, tet, p);
+    const bool bInside =
+        whereLess(look.squaredDistance,
+                  look.squaredRadius * allLanes(1.0 - ProvedCertificate::ETA)) != 0;
+    const bool bOutside = whereLess(look.squaredRadius * allLanes(1.0 + ProvedCertificate::ETA),
+                                    look.squaredDistance) != 0;
+    if (bInside || bOutside) outcomes[slot] = unknown | (bInside ? 1U : 0U);
+    return bInside || bOutside;
+}
+
+/// Decides the open looks at ghosts: strictly beyond the hull facet is in conflict; in its plane,
+/// the finite neighbour's sphere decides, and the look goes on to that one.
+inline unsigned decideGhosts(BatchState& state, VertexNumber vertex, const LanePositions& p,
+                             OpenLooks& ghosts, OpenLooks& finite) {
+    std::uint32_t* const outcomes = state.rememberedOutcomes();
+    const CompactTet* const tets = state.mesh.tets();
+    unsigned conflicts = 0;
+    ghosts.fillLastGroup();
+    for (unsigned first = 0; first < ghosts.count; first += 4) {
+        const CertainSigns signs = testHullFacets(state, ghosts.slot + first, p);
+        for (unsigned i = 0; i < 4 && first + i < ghosts.count; ++i) {
+            const Slot slot = ghosts.slot[first + i];
+            const unsigned look = ghosts.look[first + i];
+            unsigned bBeyond = signs.positive >> i & 1U;
+            unsigned bCoplanar = signs.zero >> i & 1U;
+            if (((signs.positive | signs.negative | signs.zero) >> i & 1U) == 0) {
+                const Orientation3 side = state.exact.sideOfHullFacet(slot, vertex);
+                bBeyond = side == ORIENTATION3_POSITIVE ? 1 : 0;
+                bCoplanar = side == ORIENTATION3_COPLANAR ? 1 : 0;
+            }
+            conflicts |= bBeyond << look;
+            if (bCoplanar == 0) continue;
+            const Slot inside = slotOf(tets[slot].link[tets[slot].cornerAtInfinity()]);
+            if (isDecided(tets, outcomes, inside, p, 2 * vertex))
+                conflicts |= (outcomes[inside] & 1U) << look;
+            else
+                finite.add(inside, look);
+        }
+    }
+    return conflicts;
+}
+
+/// Decides the open looks at finite tetrahedra, by determinants of four at once as far as these
+/// can tell. Two looks may be at the same tetrahedron.
+inline unsigned decideFinite(BatchState& state, VertexNumber vertex, const LanePositions& p,
+                             OpenLooks& finite) {
+    std::uint32_t* const outcomes = state.rememberedOutcomes();
+    const std::uint32_t unknown = 2 * vertex;
+    unsigned conflicts = 0;
+    finite.fillLastGroup();
+    for (unsigned first = 0; first < finite.count; first += 4) {
+        const CertainSigns signs = testDeterminants(state, finite.slot + first, p);
+        for (unsigned i = 0; i < 4 && first + i < finite.count; ++i) {
+            const Slot slot = finite.slot[first + i];
+            if ((outcomes[slot] ^ unknown) >= 2) {
+                unsigned outcome = signs.negative >> i & 1U;
+                if (((signs.negative | signs.positive | signs.zero) >> i & 1U) == 0)
+                    outcome = state.exact.isInSphere(slot, vertex) ? 1U : 0U;
+                outcomes[slot] = unknown | outcome;
+            }
+            conflicts |= (outcomes[slot] & 1U) << finite.look[first + i];
+        }
+    }
+    return conflicts;
+}
+
+/// Decides the looks that the cached spheres left open, given by their facet codes: by what was
+/// found in this insertion already, then by determinants of four tetrahedra at once, the rest
 /// exactly. Returns the bits of those in conflict.
 inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const LanePositions& p,
                                 const FacetCode* links, unsigned open) {
     std::uint32_t* const outcomes = state.rememberedOutcomes();
+    const CompactTet* const tets = state.mesh.tets();
     const std::uint32_t unknown = 2 * vertex;
-    Slot pending[4 * WIDTH + 3];
-    unsigned position[4 * WIDTH];
-    unsigned numPending = 0;
+    OpenLooks ghosts;
+    OpenLooks finite;
     unsigned conflicts = 0;
+    unsigned looksAtGhosts = 0;
     for (; open != 0; open &= open - 1) {
-        const unsigned bit = lowestBit(open);
-        const Slot slot = slotOf(links[bit]);
+        const unsigned look = lowestBit(open);
+        const Slot slot = slotOf(links[look]);
         if ((outcomes[slot] ^ unknown) < 2) {
-            conflicts |= (outcomes[slot] & 1U) << bit;
-        } else if (state.mesh.tets()[slot].cornerAtInfinity() < 4) {
-            const unsigned outcome = state.exact.isInConflict(slot, vertex) ? 1U : 0U;
-            outcomes[slot] = unknown | outcome;
-            conflicts |= outcome << bit;
-            state.numGhosts -= outcome;
+            conflicts |= (outcomes[slot] & 1U) << look;
+        } else if (tets[slot].cornerAtInfinity() < 4) {
+            ghosts.add(slot, look);
+            looksAtGhosts |= 1U << look;
         } else {
-            position[numPending] = bit;
-            pending[numPending++] = slot;
+            finite.add(slot, look);
         }
     }
-    for (unsigned i = 0; i < 3; ++i) pending[numPending + i] = CompactMesh::DUMMY;
-    for (unsigned first = 0; first < numPending; first += 4) {
-        unsigned inside;
-        unsigned outside;
-        testDeterminants(state.mesh, pending + first, p, inside, outside);
-        for (unsigned i = 0; i < 4 && first + i < numPending; ++i) {
-            const Slot slot = pending[first + i];
-            unsigned outcome = inside >> i & 1U;
-            if (((inside | outside) >> i & 1U) == 0)
-                outcome = state.exact.isInConflict(slot, vertex) ? 1U : 0U;
-            outcomes[slot] = unknown | outcome;
-            conflicts |= outcome << position[first + i];
-        }
+    conflicts |= decideGhosts(state, vertex, p, ghosts, finite);
+    conflicts |= decideFinite(state, vertex, p, finite);
+    for (unsigned rest = looksAtGhosts; rest != 0; rest &= rest - 1) {
+        const unsigned look = lowestBit(rest);
+        const Slot slot = slotOf(links[look]);
+        if ((outcomes[slot] ^ unknown) < 2) continue;
+        outcomes[slot] = unknown | (conflicts >> look & 1U);
+        state.numGhosts -= conflicts >> look & 1U;
     }
     return conflicts;
 }
@@ -316,8 +444,7 @@ inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
         const LaneSpheres spheres =
             makeLaneSpheres(p, cornersAt(0), cornersAt(1), cornersAt(2), reach);
         nearest.take(squaredLength(spheres.centre - next) - spheres.squaredRadius, i);
-        storeSpheres(tets, state.region.data() + i, spheres.centre, spheres.squaredRadius,
-                     corner0);
+        storeSpheres(tets, state.region.data() + i, spheres.centre, spheres.squaredRadius, corner0);
     }
     const std::uint32_t place = nearest.place();
     return place < numFacets ? place : 0;

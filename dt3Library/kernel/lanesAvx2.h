@@ -69,9 +69,8 @@ inline unsigned markedOf(const CompactTet* a, const CompactTet* b, const Compact
     const auto everywhere = [](const CompactTet* tet) {
         return _mm_set1_epi32(static_cast<int>(tet->mark));
     };
-    const __m128i marks =
-        _mm_blend_epi32(_mm_blend_epi32(everywhere(a), everywhere(b), 2),
-                        _mm_blend_epi32(everywhere(c), everywhere(d), 8), 12);
+    const __m128i marks = _mm_blend_epi32(_mm_blend_epi32(everywhere(a), everywhere(b), 2),
+                                          _mm_blend_epi32(everywhere(c), everywhere(d), 8), 12);
     return static_cast<unsigned>(_mm_movemask_ps(
         _mm_castsi128_ps(_mm_cmpeq_epi32(marks, _mm_set1_epi32(static_cast<int>(mark))))));
 }
@@ -119,8 +118,8 @@ inline void storeSpheres(CompactTet* tets, const Slot* slots, const LanePosition
                          Lanes squaredRadius, const VertexNumber (&corner0)[4]) {
     const __m128i radii = _mm_castps_si128(_mm256_cvtpd_ps(squaredRadius));
     const __m128i corners = _mm_loadu_si128(reinterpret_cast<const __m128i*>(corner0));
-    const Lanes tail = _mm256_castsi256_pd(_mm256_setr_m128i(_mm_unpacklo_epi32(radii, corners),
-                                                             _mm_unpackhi_epi32(radii, corners)));
+    const Lanes tail = _mm256_castsi256_pd(
+        _mm256_setr_m128i(_mm_unpacklo_epi32(radii, corners), _mm_unpackhi_epi32(radii, corners)));
     const Lanes xy02 = _mm256_unpacklo_pd(centre.x, centre.y);
     const Lanes xy13 = _mm256_unpackhi_pd(centre.x, centre.y);
     const Lanes zt02 = _mm256_unpacklo_pd(centre.z, tail);

@@ -77,8 +77,8 @@ inline Look lookAt(const CompactTet* a, const CompactTet* b, const CompactTet* c
 /// Which of four tetrahedra have this mark.
 inline unsigned markedOf(const CompactTet* a, const CompactTet* b, const CompactTet* c,
                          const CompactTet* d, std::uint32_t mark) {
-    return (a->mark == mark ? 1U : 0U) | (b->mark == mark ? 2U : 0U) |
-           (c->mark == mark ? 4U : 0U) | (d->mark == mark ? 8U : 0U);
+    return (a->mark == mark ? 1U : 0U) | (b->mark == mark ? 2U : 0U) | (c->mark == mark ? 4U : 0U) |
+           (d->mark == mark ? 8U : 0U);
 }
 
 /// The lane with the least value, NaN counting as infinite, and that value.
