@@ -30,33 +30,6 @@ Positions positionsIn(const Handles& handles) {
 
 }  // namespace
 
-std::vector<LabelledTet> labelledMesh(const Varn_3D& mesh, std::int32_t firstLabel) {
-    std::vector<LabelledTet> result;
-    for (const Tet3* tet : tetrahedraOf(mesh)) {
-        LabelledTet entry{MeshAccess::label(tet) - firstLabel, {}, {}};
-        for (int i = 0; i < 4; ++i) {
-            const auto k = static_cast<std::size_t>(i);
-            const Tet3* neighbour = tet->getOppTet(i);
-            entry.corners[k] = coordinatesOf(*tet->getCorner(i));
-            entry.neighbours[k] = neighbour ? MeshAccess::label(neighbour) - firstLabel : -1;
-        }
-        result.push_back(entry);
-    }
-    std::sort(result.begin(), result.end(),
-              [](const LabelledTet& a, const LabelledTet& b) { return a.label < b.label; });
-    return result;
-}
-
-PlainMesh plainMesh(const std::vector<LabelledTet>& tets) {
-    PlainMesh result;
-    for (const LabelledTet& tet : tets) {
-        result.push_back(tet.corners);
-        std::sort(result.back().begin(), result.back().end());
-    }
-    std::sort(result.begin(), result.end());
-    return result;
-}
-
 std::uint64_t meshDigest(const Varn_3D& mesh, const Handles& handles) {
     const Positions positions = positionsIn(handles);
     std::vector<std::pair<std::array<std::uint64_t, 4>, const Tet3*>> tets;

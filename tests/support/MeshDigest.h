@@ -15,26 +15,6 @@ inline Coordinates coordinatesOf(const VARN3D::Point3& p) {
     return {p.x() + 0.0, p.y() + 0.0, p.z() + 0.0};
 }
 
-/// A tetrahedron with all that a host can see of it; labels count from that of the first
-/// tetrahedron of the mesh, -1 stands for no neighbour.
-struct LabelledTet {
-    std::int32_t label;
-    std::array<Coordinates, 4> corners;
-    std::array<std::int32_t, 4> neighbours;
-
-    bool operator==(const LabelledTet& other) const {
-        return label == other.label && corners == other.corners && neighbours == other.neighbours;
-    }
-};
-
-/// The mesh by label.
-std::vector<LabelledTet> labelledMesh(const VARN3D::Varn_3D& mesh, std::int32_t firstLabel);
-
-/// The mesh as a set of quadruples of coordinates, sorted within and without: what remains if
-/// labels, corner order and neighbour order don't matter.
-using PlainMesh = std::vector<std::array<Coordinates, 4>>;
-PlainMesh plainMesh(const std::vector<LabelledTet>& tets);
-
 using Handles = std::vector<VARN3D::Point3*>;
 
 /// The FNV-1a hash of numbers.
