@@ -16,7 +16,6 @@
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
 #include "support/MeshOracle.h"
-#include "support/PlainEngine.h"
 #include "support/PointSets.h"
 
 namespace {
@@ -27,6 +26,22 @@ using namespace support;
 const std::string EMPTY_LIST = "Attention: triangulate has got an empty vector\n";
 const std::string NOT_IN_MESH =
     "\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n";
+
+/// The lexicographically first quadruple of positions that is not coplanar, by trying them all;
+/// empty if there is none.
+std::vector<int> firstSimplex(const std::vector<const Point3*>& points) {
+    const GeomTest3 predicates;
+    const std::size_t n = points.size();
+    for (std::size_t i = 0; i < n; ++i)
+        for (std::size_t j = i + 1; j < n; ++j)
+            for (std::size_t k = j + 1; k < n; ++k)
+                for (std::size_t l = k + 1; l < n; ++l)
+                    if (predicates.getOrientation3(points[i], points[j], points[k], points[l]) !=
+                        ORIENTATION3_COPLANAR)
+                        return {static_cast<int>(i), static_cast<int>(j), static_cast<int>(k),
+                                static_cast<int>(l)};
+    return {};
+}
 
 TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     Varn_3D mesh;
@@ -103,7 +118,7 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
     Points points = lattice(20, 5, 5, 5, 1);
     std::vector<Point3*> handles;
     outputOf([&] { mesh.insert(points, handles); });
-    const PlainMesh before = plainMesh(labelledMesh(mesh, 0));
+    const std::uint64_t before = meshDigest(mesh, handles);
     const auto expectRefusal = [&](const std::string& position, const std::string& output) {
         EXPECT_THAT(output,
                     testing::StartsWith("\n      Dt3::insert(), ERROR: point " + position +
@@ -111,7 +126,7 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
                                         "Condition [ std::isfinite failed ]\n\n"
                                         "      dt3Library/Dt3.cpp:"));
         EXPECT_EQ(findMeshFault(mesh, points, handles), "");
-        EXPECT_EQ(plainMesh(labelledMesh(mesh, 0)), before);
+        EXPECT_EQ(meshDigest(mesh, handles), before);
     };
     const double infinity = std::numeric_limits<double>::infinity();
     for (const double bad : {std::nan(""), infinity, -infinity}) {
@@ -224,15 +239,17 @@ TEST(Insertion, meshesAreTheSameWhereLabelsWrapAround) {
     const auto meshFromLabel = [&](std::int32_t firstLabel) {
         Varn_3D mesh;
         Points batch = points;
+        Handles handles;
         outputOf([&] {
+            takeFirstMargin();
             Tet3::runningLabel = firstLabel;
-            mesh.insert(batch);
-            for (Point3 p : uniform(30, 2, -1.0, 2.0)) mesh.insert(p);
+            mesh.insert(batch, handles);
+            for (Point3 p : uniform(30, 2, -1.0, 2.0)) handles.push_back(mesh.insert(p));
             EXPECT_TRUE(mesh.checkValidity("wrap", true));
         });
-        return plainMesh(labelledMesh(mesh, 0));
+        return std::pair(meshDigest(mesh, handles), labelDigest(mesh, handles, firstLabel));
     };
-    const PlainMesh expected = meshFromLabel(0);
+    const auto expected = meshFromLabel(0);
     for (const std::int32_t firstLabel : {INT_MAX - 1000, INT_MIN, -1000})
         EXPECT_TRUE(meshFromLabel(firstLabel) == expected) << firstLabel;
 }

@@ -10,7 +10,6 @@
 #include "dt3Library/VarnException.h"
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
-#include "support/PlainEngine.h"
 #include "support/PointSets.h"
 
 namespace {
@@ -19,6 +18,34 @@ using namespace VARN3D;
 using namespace support;
 
 constexpr std::uint32_t MAX_CORNER_KEY = 90543705;
+
+// Rows are octants, columns states; a and b stand for 10 and 11.
+const char* const DIGITS[8] = {"000246462246", "173335775151", "317151353577", "264022044660",
+                               "731577511335", "642404606022", "426660220404", "555713137713"};
+const char* const NEXT_STATES[8] = {"1206b456a47a", "2690b4713423", "30a6085618b2", "279b783a1826",
+                                    "48195019a27a", "581096143753", "30b90ab95284", "57b876ba9354"};
+
+/// The Hilbert key (27 bits) of a point in a box, level by level from the curve's tables.
+std::uint32_t plainHilbertKey(const Point3& p, const Coordinates& min, const Coordinates& max) {
+    Coordinates half = {(max[0] - min[0]) / 2, (max[1] - min[1]) / 2, (max[2] - min[2]) / 2};
+    Coordinates d = {p.x() - min[0], p.y() - min[1], p.z() - min[2]};
+    std::size_t state = 0;
+    std::uint32_t key = 0;
+    for (int shift = 24; shift >= 0; shift -= 3) {
+        std::size_t octant = 0;
+        const double threshold = half[0];  // of x, for all three axes
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            const bool bUpper = d[axis] >= threshold;
+            octant = 2 * octant + (bUpper ? 1 : 0);
+            if (bUpper) d[axis] -= half[axis];
+            half[axis] /= 2;
+        }
+        key += static_cast<std::uint32_t>(DIGITS[octant][state] - '0') << shift;
+        const char next = NEXT_STATES[octant][state];
+        state = static_cast<std::size_t>(next >= 'a' ? next - 'a' + 10 : next - '0');
+    }
+    return key;
+}
 
 /// A store that keeps what its batches returned.
 struct Store {

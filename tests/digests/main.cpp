@@ -9,6 +9,7 @@
 #include "tests/support/MeshDigest.h"
 
 int main() {
+    support::takeFirstMargin();
     int numWrong = 0;
     for (auto& [name, points, expected] : support::digestInputs()) {
         VARN3D::Varn_3D mesh;

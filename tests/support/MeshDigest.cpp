@@ -1,7 +1,10 @@
 #include "MeshDigest.h"
 
 #include <algorithm>
+#include <set>
+#include <stdexcept>
 #include <unordered_map>
+#include <utility>
 
 #include "dt3Library/MeshAccess.h"
 
@@ -17,55 +20,68 @@ std::vector<Tet3*> tetrahedraOf(const Varn_3D& mesh) {
     return tets;
 }
 
+using Positions = std::unordered_map<const Point3*, std::uint64_t>;
+
+Positions positionsIn(const Handles& handles) {
+    Positions positions;
+    for (std::size_t i = 0; i < handles.size(); ++i) positions.emplace(handles[i], i);
+    return positions;
+}
+
 }  // namespace
 
-std::vector<LabelledTet> labelledMesh(const Varn_3D& mesh, std::int32_t firstLabel) {
-    std::vector<LabelledTet> result;
-    for (const Tet3* tet : tetrahedraOf(mesh)) {
-        LabelledTet entry{MeshAccess::label(tet) - firstLabel, {}, {}};
-        for (int i = 0; i < 4; ++i) {
-            const auto k = static_cast<std::size_t>(i);
-            const Tet3* neighbour = tet->getOppTet(i);
-            entry.corners[k] = coordinatesOf(*tet->getCorner(i));
-            entry.neighbours[k] = neighbour ? MeshAccess::label(neighbour) - firstLabel : -1;
-        }
-        result.push_back(entry);
-    }
-    std::sort(result.begin(), result.end(),
-              [](const LabelledTet& a, const LabelledTet& b) { return a.label < b.label; });
-    return result;
-}
-
-PlainMesh plainMesh(const std::vector<LabelledTet>& tets) {
-    PlainMesh result;
-    for (const LabelledTet& tet : tets) {
-        result.push_back(tet.corners);
-        std::sort(result.back().begin(), result.back().end());
-    }
-    std::sort(result.begin(), result.end());
-    return result;
-}
-
-std::uint64_t meshDigest(const Varn_3D& mesh, const std::vector<Point3*>& handles) {
-    std::unordered_map<const Point3*, std::uint64_t> positions;
-    for (std::size_t i = 0; i < handles.size(); ++i) positions.emplace(handles[i], i);
-    std::vector<std::array<std::uint64_t, 4>> tets;
+std::uint64_t meshDigest(const Varn_3D& mesh, const Handles& handles) {
+    const Positions positions = positionsIn(handles);
+    std::vector<std::pair<std::array<std::uint64_t, 4>, const Tet3*>> tets;
     for (const Tet3* tet : tetrahedraOf(mesh)) {
         std::array<std::uint64_t, 4> corners;
-        for (int i = 0; i < 4; ++i)
-            corners[static_cast<std::size_t>(i)] = positions.at(tet->getCorner(i));
-        std::sort(corners.begin(), corners.end());
-        tets.push_back(corners);
+        for (std::size_t i = 0; i < 4; ++i)
+            corners[i] = positions.at(tet->getCorner(static_cast<int>(i)));
+        tets.emplace_back(corners, tet);
     }
     std::sort(tets.begin(), tets.end());
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (const auto& tet : tets)
-        for (const std::uint64_t corner : tet)
-            for (int shift = 0; shift < 64; shift += 8) {
-                hash ^= corner >> shift & 0xFF;
-                hash *= 0x100000001b3U;
-            }
-    return hash;
+    std::unordered_map<const Tet3*, std::uint64_t> places{{nullptr, tets.size()}};
+    for (std::size_t i = 0; i < tets.size(); ++i) places.emplace(tets[i].second, i);
+    Fnv hash;
+    for (const Point3* handle : handles) {
+        hash.add(positions.at(handle));
+        hash.add(handle->getOneTet() == nullptr ? 1 : 0);
+    }
+    for (const auto& [corners, tet] : tets) {
+        for (const std::uint64_t corner : corners) hash.add(corner);
+        for (int i = 0; i < 4; ++i) hash.add(places.at(tet->getOppTet(i)));
+    }
+    return hash.value();
+}
+
+std::uint64_t labelDigest(const Varn_3D& mesh, const Handles& handles, std::int32_t firstLabel) {
+    const auto numBefore = [firstLabel](std::int32_t label) {
+        return static_cast<std::uint32_t>(label) - static_cast<std::uint32_t>(firstLabel);
+    };
+    const std::uint32_t numTaken = numBefore(Tet3::runningLabel);
+    std::vector<std::pair<std::uint32_t, const Point3*>> makers;
+    for (const Tet3* tet : tetrahedraOf(mesh))
+        makers.emplace_back(numBefore(MeshAccess::label(tet)), tet->getCorner(0));
+    std::sort(makers.begin(), makers.end());
+
+    const Positions positions = positionsIn(handles);
+    Fnv hash;
+    hash.add(numTaken);
+    std::set<const Point3*> done;
+    for (std::size_t i = 0; i < makers.size(); ++i) {
+        const auto [label, maker] = makers[i];
+        if (label >= numTaken) throw std::logic_error("a label that was not taken");
+        if (i > 0 && label == makers[i - 1].first) throw std::logic_error("a label used twice");
+        if (i > 0 && maker == makers[i - 1].second) continue;
+        if (!done.insert(maker).second) throw std::logic_error("labels of two insertions mixed");
+        hash.add(positions.at(maker));
+    }
+    return hash.value();
+}
+
+void takeFirstMargin() {
+    std::vector<Point3> one = {Point3(0, 0, 0)};
+    Varn_3D().insert(one);
 }
 
 }  // namespace support

@@ -15,28 +15,37 @@ inline Coordinates coordinatesOf(const VARN3D::Point3& p) {
     return {p.x() + 0.0, p.y() + 0.0, p.z() + 0.0};
 }
 
-/// A tetrahedron with all that a host can see of it; labels count from that of the first
-/// tetrahedron of the mesh, -1 stands for no neighbour.
-struct LabelledTet {
-    std::int32_t label;
-    std::array<Coordinates, 4> corners;
-    std::array<std::int32_t, 4> neighbours;
+using Handles = std::vector<VARN3D::Point3*>;
 
-    bool operator==(const LabelledTet& other) const {
-        return label == other.label && corners == other.corners && neighbours == other.neighbours;
+/// The FNV-1a hash of numbers.
+class Fnv {
+  public:
+    void add(std::uint64_t number) {
+        for (int shift = 0; shift < 64; shift += 8) {
+            hash ^= number >> shift & 0xFF;
+            hash *= 0x100000001b3U;
+        }
     }
+    std::uint64_t value() const { return hash; }
+
+  private:
+    std::uint64_t hash = 0xcbf29ce484222325U;
 };
 
-/// The mesh by label.
-std::vector<LabelledTet> labelledMesh(const VARN3D::Varn_3D& mesh, std::int32_t firstLabel);
+/// A hash of all handles, as positions of the first point that got them and whether they wait, and
+/// of all tetrahedra in order of their corners: each as the positions of its corners and those of
+/// its neighbours in the list, both in order. Labels and addresses don't count.
+std::uint64_t meshDigest(const VARN3D::Varn_3D& mesh, const Handles& handles);
 
-/// The mesh as a set of quadruples of coordinates, sorted within and without: what remains if
-/// labels, corner order and neighbour order don't matter.
-using PlainMesh = std::vector<std::array<Coordinates, 4>>;
-PlainMesh plainMesh(const std::vector<LabelledTet>& tets);
+/// A hash of what the labels since the first one of the mesh tell: the vertices whose insertions
+/// made the tetrahedra, in the order of insertion, and how many labels were taken. Which
+/// tetrahedron of an insertion has which label doesn't count. Throws std::logic_error where a label
+/// is used twice, was not taken, or stands between those of another insertion.
+std::uint64_t labelDigest(const VARN3D::Varn_3D& mesh, const Handles& handles,
+                          std::int32_t firstLabel);
 
-/// FNV-1a over the sorted tetrahedra, each as the sorted positions of its corners in the input (of
-/// equal points the first).
-std::uint64_t meshDigest(const VARN3D::Varn_3D& mesh, const std::vector<VARN3D::Point3*>& handles);
+/// The first batch of a process gets a narrower margin around its points, which shows in the order
+/// of insertion. After this call all batches are alike.
+void takeFirstMargin();
 
 }  // namespace support

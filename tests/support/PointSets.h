@@ -19,6 +19,7 @@ class Random {
   public:
     explicit Random(std::uint64_t seed) : generator(seed) {}
 
+    std::uint64_t bits() { return generator(); }
     /// In [0, 1).
     double unit() { return static_cast<double>(generator() >> 11) * 0x1p-53; }
     double between(double min, double max) { return min + unit() * (max - min); }
