@@ -26,8 +26,8 @@ for target in mesh predicates readers; do
         $corpora
     llvm-profdata merge -o "$build/$target.profdata" "$build/$target.profraw"
     files=dt3Library
-    [ $target != readers ] || files='tools/PlyReader.cpp tools/PointFile.cpp tools/TextReader.cpp
-        tools/parsing.cpp'
+    [ $target != readers ] || files=$(ls tools/*Reader.cpp tools/PointFile.cpp tools/LayoutFinder.cpp \
+        tools/TextLayout.cpp tools/columns.cpp tools/parsing.cpp)
     [ $target != predicates ] || files='dt3Library/GeomTest3.cpp dt3Library/predicateStages.h'
     echo "== fuzz_$target: $(find $corpora -type f | wc -l) inputs"
     # shellcheck disable=SC2086

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "IndexedMesh.h"
+
+namespace tool {
+
+/// Which of a list of tetrahedra share a facet.
+class Adjacency {
+  public:
+    static constexpr std::uint32_t none = UINT32_MAX;
+
+    /// O(n log n) at worst, O(n) for meshes whose vertices have few neighbours; 80 bytes a
+    /// tetrahedron while it is being built, 16 afterwards.
+    explicit Adjacency(const std::vector<IndexedMesh::Tetrahedron>& tetrahedra);
+
+    /// The number of the tetrahedron across the facet opposite a corner, or none.
+    std::uint32_t across(std::size_t tetrahedron, std::size_t corner) const {
+        return neighbours[tetrahedron][corner];
+    }
+
+  private:
+    std::vector<std::array<std::uint32_t, 4>> neighbours;
+};
+
+}  // namespace tool
