@@ -27,14 +27,14 @@ void AttributeColumns::take(const std::vector<std::string_view>& columns) {
     }
 }
 
-std::vector<Attribute> AttributeColumns::finish() {
-    std::vector<Attribute> numeric;
+void AttributeColumns::moveTo(PointSet& set) {
     for (std::size_t i = 0; i < sources.size(); ++i) {
-        if (sources[i].bNumeric && sources[i].bAnyNumber) {
-            numeric.push_back(std::move(attributes[i]));
+        if (!sources[i].bNumeric) {
+            set.textColumns.push_back(attributes[i].name);
+        } else if (sources[i].bAnyNumber) {
+            set.attributes.push_back(std::move(attributes[i]));
         }
     }
-    return numeric;
 }
 
 }  // namespace tool

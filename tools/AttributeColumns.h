@@ -19,8 +19,8 @@ class AttributeColumns {
     /// The columns of the next point; those that are missing are gaps.
     void take(const std::vector<std::string_view>& columns);
 
-    /// What has been collected. To be called once.
-    std::vector<Attribute> finish();
+    /// Moves what has been collected there. To be called once.
+    void moveTo(PointSet& set);
 
   private:
     struct Source {

@@ -15,7 +15,7 @@ PointSet NodeReader::read() {
     if (nextDataLine(line)) {
         fail("more than the " + std::to_string(numNodes) + " points that the counts promise");
     }
-    set.attributes = attributes.finish();
+    attributes.moveTo(set);
     return set;
 }
 

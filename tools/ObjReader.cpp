@@ -35,7 +35,7 @@ PointSet ObjReader::read() {
     if (set.points.empty()) {
         fail(std::string("no line begins with \"v\"; ") + readableFormats);
     }
-    set.attributes = attributes.finish();
+    attributes.moveTo(set);
     return set;
 }
 

@@ -17,6 +17,8 @@ struct Attribute {
 struct PointSet {
     std::vector<VARN3D::Point3> points;
     std::vector<Attribute> attributes;
+    /// The names of columns that are no attributes, since they don't hold numbers only.
+    std::vector<std::string> textColumns;
 };
 
 }  // namespace tool

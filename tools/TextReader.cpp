@@ -55,7 +55,7 @@ PointSet TextReader::read() {
              std::to_string(*promised) + " points that line " + std::to_string(promisingLine) +
              " promises");
     }
-    set.attributes = attributes.finish();
+    attributes.moveTo(set);
     return set;
 }
 

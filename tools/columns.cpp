@@ -10,10 +10,14 @@ namespace {
 
 bool separates(char c, Separator separator) {
     switch (separator) {
-        case Separator::semicolon: return c == ';';
-        case Separator::comma: return c == ',';
-        case Separator::tab: return c == '\t';
-        case Separator::blanks: break;
+        case Separator::semicolon:
+            return c == ';';
+        case Separator::comma:
+            return c == ',';
+        case Separator::tab:
+            return c == '\t';
+        case Separator::blanks:
+            break;
     }
     return isBlank(c);
 }

@@ -123,6 +123,10 @@ void Program::readPoints() {
     if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
         throw InputError(options.input, "more than 2147483647 points");
     }
+    for (const std::string& column : input.textColumns) {
+        std::fprintf(stderr, "varn3d: column %s doesn't hold numbers only: left out of %s\n",
+                     quoted(column).c_str(), options.vtk.c_str());
+    }
 }
 
 void Program::triangulate() {

@@ -1,9 +1,12 @@
 #include "vtkWriters.h"
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "InputError.h"
 
 namespace tool {
 
@@ -85,6 +88,10 @@ class LegacyWriter {
         for (std::size_t i = 0; i < names.size(); ++i) {
             beginScalars(names[i], "double");
             for (const double value : mesh.attributes[i].values) {
+                if (bText && !std::isfinite(value)) {
+                    throw InputError("--ascii: \"" + names[i] +
+                                     "\" is not finite everywhere, and VTK reads no such text");
+                }
                 number(value, "\n");
             }
             endArray();
