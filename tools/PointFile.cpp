@@ -42,7 +42,7 @@ void refuseForeign(std::string_view content, const std::string& fileName) {
                    {"<", "XML"},
                    {"\x93NUMPY", "a NumPy array"},
                    {"\x89HDF", "an HDF5 file"},
-                   {"solid ", "an STL file"}};
+                   {"solid", "an STL file"}};
     if (beginsWith(content, "\x1F\x8B")) {
         throw InputError(fileName,
                          "compressed with gzip: gunzip -c FILE | varn3d - reads it, with "

@@ -10,8 +10,12 @@ namespace tool {
 
 namespace {
 
-/// 0, 1, 2 for the column names x, y, z; -1 for any other.
+/// 0, 1, 2 for the column names x, y, z, and for those that VTK's programs give them; -1 for any
+/// other.
 int axisNamed(std::string_view name) {
+    if (name.size() == 8 && (name.substr(0, 7) == "Points:" || name.substr(0, 7) == "Points_")) {
+        return name[7] >= '0' && name[7] <= '2' ? name[7] - '0' : -1;
+    }
     if (!name.empty() && (name.back() == ')' || name.back() == ']')) {
         name = trimmed(name.substr(0, name.find(name.back() == ')' ? '(' : '[')));
     }

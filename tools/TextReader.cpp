@@ -27,9 +27,11 @@ bool namesAxes(std::string_view line) {
                        [&](Separator separator) { return findAxes(line, separator).has_value(); });
 }
 
+/// Numbers that are refused for their size are numbers nevertheless.
 bool isNumber(std::string_view text) {
     double ignored = 0;
-    return parseNumber(text, ignored) == nullptr;
+    const char* const problem = parseNumber(text, ignored);
+    return !problem || problem != std::string_view(" is not a number");
 }
 
 }  // namespace
@@ -129,6 +131,7 @@ std::string_view TextReader::takeFirstAtom() {
     if (isNumber(columns[0])) {
         fail("columns 1, 2, 3, or 2, 3, 4 behind an element's number? --columns tells which");
     }
+    bAtoms = true;
     options.columns = AxisColumns{1, 2, 3};
     return row;
 }
@@ -160,22 +163,21 @@ void TextReader::refuseAnythingElse(std::string_view row) const {
             "this looks like TetGen's .node, whose points are in columns 2, 3, 4 from the next "
             "line on: --format node takes those, --format xyz columns 1, 2, 3 from here on");
     }
-    bool bAnyNumber = header.has_value();
+    bool bNumberFirst = false;
     for (const Separator separator : allSeparators) {
         std::vector<std::string_view> words;
         cut(row, separator, words);
-        bAnyNumber = bAnyNumber || std::any_of(words.begin(), words.end(), isNumber);
+        bNumberFirst = bNumberFirst || words[0].empty() || isNumber(words[0]);
     }
-    if (!bAnyNumber) {
+    if (!bNumberFirst && !header && !options.columns) {
         fail(quoted(trimmed(row)) +
-             " holds no numbers and doesn't name columns x, y and z (--columns tells which to "
-             "take); " +
+             " is neither a point nor names columns x, y and z (--columns tells which to take); " +
              readableFormats);
     }
 }
 
 void TextReader::announceAttributes() {
-    for (std::size_t i = 0; options.bAttributes && i < layout.numColumns; ++i) {
+    for (std::size_t i = bAtoms ? 1 : 0; options.bAttributes && i < layout.numColumns; ++i) {
         if (std::find(layout.axes.begin(), layout.axes.end(), i) == layout.axes.end()) {
             const bool bNamed = i < layout.names.size() && !layout.names[i].empty();
             attributes.add(i, bNamed ? layout.names[i] : "column" + std::to_string(i + 1));

@@ -40,6 +40,8 @@ class TextReader : public PointReader {
     bool bHeadTaken = false;
     std::optional<std::uint64_t> promised;
     std::uint64_t promisingLine = 0;
+    /// Whether each line begins with an element.
+    bool bAtoms = false;
     TextLayout layout;
     AttributeColumns attributes;
     std::vector<std::string_view> columns;
