@@ -5,8 +5,9 @@
 
 #if defined(__unix__) || defined(__APPLE__)
 #define VARN3D_HAS_SIGNALS
-#include <signal.h>
 #include <unistd.h>
+
+#include <csignal>
 #endif
 
 namespace tool {

@@ -1,6 +1,5 @@
 #include "tetgenWriters.h"
 
-#include "Adjacency.h"
 #include "writing.h"
 
 namespace tool {
@@ -28,8 +27,7 @@ void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file) {
     }
 }
 
-void writeTetgenFaces(const IndexedMesh& mesh, OutputFile& file) {
-    const Adjacency adjacency(mesh.tetrahedra);
+void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file) {
     std::vector<IndexedMesh::Facet> facets;
     for (std::size_t t = 0; t < mesh.tetrahedra.size(); ++t) {
         for (std::size_t corner = 0; corner < 4; ++corner) {
@@ -48,11 +46,10 @@ void writeTetgenFaces(const IndexedMesh& mesh, OutputFile& file) {
     }
 }
 
-void writeTetgenNeighbours(const IndexedMesh& mesh, OutputFile& file) {
-    const Adjacency adjacency(mesh.tetrahedra);
-    file.writeNumber(mesh.tetrahedra.size());
+void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file) {
+    file.writeNumber(adjacency.size());
     file.write(" 4\n");
-    for (std::size_t t = 0; t < mesh.tetrahedra.size(); ++t) {
+    for (std::size_t t = 0; t < adjacency.size(); ++t) {
         file.writeNumber(t);
         for (std::size_t corner = 0; corner < 4; ++corner) {
             const std::uint32_t neighbour = adjacency.across(t, corner);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Adjacency.h"
 #include "IndexedMesh.h"
 #include "OutputFile.h"
 
@@ -11,10 +12,10 @@ void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file);
 
 /// The facets that belong to one of the mesh's tetrahedra only, counter-clockwise as seen from
 /// outside.
-void writeTetgenFaces(const IndexedMesh& mesh, OutputFile& file);
+void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file);
 
 /// For each tetrahedron its four neighbours, each opposite a corner, in the order of the corners;
 /// -1 stands for none.
-void writeTetgenNeighbours(const IndexedMesh& mesh, OutputFile& file);
+void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file);
 
 }  // namespace tool

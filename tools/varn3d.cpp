@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "Adjacency.h"
 #include "IndexedMesh.h"
 #include "InputError.h"
 #include "LibraryMessages.h"
@@ -184,29 +185,36 @@ void Program::writeIndexedMesh() {
     numKept = indexed.tetrahedra.size();
     const bool bXml = endsIn(options.vtk, ".vtu");
     const bool bObj = endsIn(options.hull, ".obj");
-    const std::string& basename = options.tetgen;
-    const auto tetgen = [&](const char* ending) {
-        return basename.empty() ? "" : basename + ending;
+    const auto write = [&](const std::string& name, const auto& writer) {
+        progress.begin("writing " + name);
+        writer(indexed, files.emplace_back(name));
+        files.back().close();
     };
-    const std::pair<std::string, void (*)(const IndexedMesh&, OutputFile&)> writers[] = {
-        {options.vtk, bXml             ? writeVtu
-                      : options.bAscii ? writeVtkAscii
-                                       : writeVtkBinary},
-        {options.hull, bObj             ? writeHullObj
-                       : options.bAscii ? writeHullPlyAscii
-                                        : writeHullPlyBinary},
-        {options.medit, writeMedit},
-        {tetgen(".node"), writeTetgenNodes},
-        {tetgen(".ele"), writeTetgenElements},
-        {tetgen(".face"), writeTetgenFaces},
-        {tetgen(".neigh"), writeTetgenNeighbours},
-        {options.duplicates, writeDuplicates}};
-    for (const auto& [name, write] : writers) {
-        if (!name.empty()) {
-            progress.begin("writing " + name);
-            write(indexed, files.emplace_back(name));
-            files.back().close();
-        }
+    if (!options.vtk.empty()) {
+        write(options.vtk, bXml ? writeVtu : options.bAscii ? writeVtkAscii : writeVtkBinary);
+    }
+    if (!options.hull.empty()) {
+        write(options.hull, bObj             ? writeHullObj
+                            : options.bAscii ? writeHullPlyAscii
+                                             : writeHullPlyBinary);
+    }
+    if (!options.medit.empty()) {
+        write(options.medit, writeMedit);
+    }
+    if (!options.tetgen.empty()) {
+        write(options.tetgen + ".node", writeTetgenNodes);
+        write(options.tetgen + ".ele", writeTetgenElements);
+        progress.begin("linking " + std::to_string(numKept) + " tetrahedra");
+        const Adjacency adjacency(indexed.tetrahedra);
+        write(options.tetgen + ".face", [&](const IndexedMesh& kept, OutputFile& file) {
+            writeTetgenFaces(kept, adjacency, file);
+        });
+        write(options.tetgen + ".neigh", [&](const IndexedMesh&, OutputFile& file) {
+            writeTetgenNeighbours(adjacency, file);
+        });
+    }
+    if (!options.duplicates.empty()) {
+        write(options.duplicates, writeDuplicates);
     }
 }
 

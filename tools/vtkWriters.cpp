@@ -130,30 +130,34 @@ class VtuWriter {
         : mesh(meshToWrite), file(outputFile) {}
 
     void write() {
-        file.write(
-            "<?xml version=\"1.0\"?>\n<VTKFile type=\"UnstructuredGrid\" version=\"1.0\" "
-            "byte_order=\"LittleEndian\" header_type=\"UInt64\">\n<UnstructuredGrid>\n");
-        file.write("<Piece NumberOfPoints=\"" + std::to_string(numPoints) + "\" NumberOfCells=\"" +
-                   std::to_string(numTets) + "\">\n<PointData>\n");
+        file.write(R"(<?xml version="1.0"?>
+<VTKFile type="UnstructuredGrid" version="1.0" byte_order="LittleEndian" header_type="UInt64">
+<UnstructuredGrid>
+)");
+        file.write(R"(<Piece NumberOfPoints=")" + std::to_string(numPoints) +
+                   R"(" NumberOfCells=")" + std::to_string(numTets) + "\">\n<PointData>\n");
         describe("firstEqual", "Int32", 4 * numPoints);
         for (const std::string& name : arrayNames(mesh)) {
             describe(name, "Float64", 8 * numPoints);
         }
         file.write("</PointData>\n<Points>\n");
-        describe("Points\" NumberOfComponents=\"3", "Float64", 24 * numPoints);
+        describe(R"(Points" NumberOfComponents="3)", "Float64", 24 * numPoints);
         file.write("</Points>\n<Cells>\n");
         describe("connectivity", "Int32", 16 * numTets);
         describe("offsets", "Int64", 8 * numTets);
         describe("types", "UInt8", numTets);
-        file.write("</Cells>\n</Piece>\n</UnstructuredGrid>\n<AppendedData encoding=\"raw\">\n_");
+        file.write(
+            "</Cells>\n</Piece>\n</UnstructuredGrid>\n"
+            R"(<AppendedData encoding="raw">)"
+            "\n_");
         writeArrays();
         file.write("\n</AppendedData>\n</VTKFile>\n");
     }
 
   private:
     void describe(const std::string& name, const std::string& type, std::uint64_t numBytes) {
-        file.write("<DataArray type=\"" + type + "\" Name=\"" + name +
-                   "\" format=\"appended\" offset=\"" + std::to_string(offset) + "\"/>\n");
+        file.write(R"(<DataArray type=")" + type + R"(" Name=")" + name +
+                   R"(" format="appended" offset=")" + std::to_string(offset) + "\"/>\n");
         offset += sizeof numBytes + numBytes;
     }
 
