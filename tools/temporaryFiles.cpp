@@ -14,12 +14,9 @@ namespace tool {
 
 namespace {
 
-/// Changes only while no signal comes, so that the handler may read it. Since it is never
-/// destroyed, a signal at the process's end finds it as well.
-std::vector<std::string>& temporaryFiles() {
-    static auto* const names = new std::vector<std::string>;
-    return *names;
-}
+/// Changes only while no signal comes, so that the handler may read it. The handler is there only
+/// while there are files: it can't meet a list that is destroyed at the process's end.
+std::vector<std::string> temporaryFiles;
 
 #if defined(VARN3D_HAS_SIGNALS)
 
@@ -36,18 +33,21 @@ sigset_t endingSet() {
 
 /// Its own signal ends the process as soon as it returns, so that the parent sees which it was.
 extern "C" void removeTemporaryFiles(int signal) {
-    for (const std::string& name : temporaryFiles()) {
+    for (const std::string& name : temporaryFiles) {
         unlink(name.c_str());
     }
     raise(signal);
 }
 
-void handleSignals() {
+using Handler = void (*)(int);
+
+/// Sets the handler of those signals that have the other one now.
+void replaceHandler(Handler present, Handler next) {
     for (const int signal : endingSignals) {
         struct sigaction action = {};
         sigaction(signal, nullptr, &action);
-        if (action.sa_handler == SIG_DFL) {
-            action.sa_handler = removeTemporaryFiles;
+        if (action.sa_handler == present) {
+            action.sa_handler = next;
             action.sa_flags = static_cast<int>(SA_RESETHAND);
             action.sa_mask = endingSet();
             sigaction(signal, &action, nullptr);
@@ -55,9 +55,18 @@ void handleSignals() {
     }
 }
 
+void handleSignals() {
+    replaceHandler(SIG_DFL, removeTemporaryFiles);
+}
+
+void leaveSignals() {
+    replaceHandler(removeTemporaryFiles, SIG_DFL);
+}
+
 #else
 
 void handleSignals() {}
+void leaveSignals() {}
 
 #endif
 
@@ -83,13 +92,16 @@ SignalBlock::~SignalBlock() = default;
 #endif
 
 void addTemporaryFile(const std::string& name) {
+    temporaryFiles.push_back(name);
     handleSignals();
-    temporaryFiles().push_back(name);
 }
 
 void forgetTemporaryFile(const std::string& name) {
-    std::vector<std::string>& names = temporaryFiles();
-    names.erase(std::remove(names.begin(), names.end(), name), names.end());
+    temporaryFiles.erase(std::remove(temporaryFiles.begin(), temporaryFiles.end(), name),
+                         temporaryFiles.end());
+    if (temporaryFiles.empty()) {
+        leaveSignals();
+    }
 }
 
 }  // namespace tool
