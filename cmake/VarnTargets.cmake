@@ -44,6 +44,7 @@ function(varn3d_set_up_library target)
   else()
     target_compile_options(${target} PRIVATE -ffp-contract=off)
   endif()
+  target_compile_options(${target} PRIVATE ${VARN3D_OPTIMISE})
   # Intel processors from Skylake to Cascade Lake decode slowly what jumps across 32 bytes.
   if(VARN3D_ALIGN_BRANCHES_OPTION)
     target_compile_options(${target} PRIVATE ${VARN3D_ALIGN_BRANCHES_OPTION})

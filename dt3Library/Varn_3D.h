@@ -16,6 +16,7 @@
 #include "dt3Library/VarnException.h"
 #include "dt3Library/Vector3.h"
 #include "dt3Library/utilities.h"
+#include "dt3Library/version.h"
 
 namespace VARN3D {
 

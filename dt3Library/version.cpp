@@ -2,6 +2,7 @@
 #include <string>
 
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/version.h"
 
 namespace VARN3D {
 

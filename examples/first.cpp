@@ -20,7 +20,9 @@ int main() {
     mesh.getTetrahedra(tets);
     std::cout << tets.size() << " tetrahedra; points 1 and 5 are "
               << (vertices[1] == vertices[5] ? "one vertex\n" : "two vertices\n");
-    const VARN3D::Point3 c = mesh.locate({0.5, 0.5, 0.5})->getCircumcenter();
-    std::cout << "the circumsphere around (0.5, 0.5, 0.5) has its centre in (" << c.x() << ", "
-              << c.y() << ", " << c.z() << ")\n";
+    if (const VARN3D::Tet3* tet = mesh.locate({0.5, 0.5, 0.5})) {  // null outside the hull
+        const VARN3D::Point3 c = tet->getCircumcenter();
+        std::cout << "the circumsphere around (0.5, 0.5, 0.5) has its centre in (" << c.x() << ", "
+                  << c.y() << ", " << c.z() << ")\n";
+    }
 }

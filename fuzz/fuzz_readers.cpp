@@ -12,13 +12,17 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view content(reinterpret_cast<const char*>(data), size);
-    for (const char* name : {"points", "points.ply", "points.xyz", "points.csv"}) {
+    tool::ReadingOptions options;
+    options.bAttributes = true;
+    for (const char* name : {"points", "points.ply", "points.obj", "points.off", "points.node"}) {
         try {
-            const auto points = tool::parsePoints(content, name, tool::PointFormat::automatic);
-            if (points.empty()) std::abort();
-            for (const VARN3D::Point3& p : points)
+            const tool::PointSet set = tool::parsePoints(content, name, options);
+            if (set.points.empty()) std::abort();
+            for (const VARN3D::Point3& p : set.points)
                 if (!std::isfinite(p.x()) || !std::isfinite(p.y()) || !std::isfinite(p.z()))
                     std::abort();
+            for (const tool::Attribute& attribute : set.attributes)
+                if (attribute.values.size() != set.points.size()) std::abort();
         } catch (const tool::InputError& error) {
             for (const char* c = error.what(); *c != '\0'; ++c)
                 if (static_cast<unsigned char>(*c) < ' ') std::abort();

@@ -10,7 +10,7 @@ output=${1:-$root/build/docs}
 install_missing doxygen
 mkdir -p "$output"
 cd "$root"
-version=$(sed -n 's/^ *VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
+version=$(sed -n 's/^#define VARN3D_VERSION_[A-Z]* //p' dt3Library/version.h | paste -s -d .)
 headers=$(sed -n '/^set(VARN3D_PUBLIC_HEADERS/,/)$/ s/^ *\(dt3Library[^)]*\))*$/\1/p' CMakeLists.txt)
 {
     cat docs/Doxyfile

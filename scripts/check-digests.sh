@@ -12,8 +12,7 @@ install_missing g++ clang
 build=build/digests
 sources=$(sed -n '/^set(VARN3D_SOURCES/,/)$/ s/^ *\(dt3Library[^)]*\))*$/\1/p' CMakeLists.txt)
 strict="-std=c++17 -ffp-contract=off -I. -DVARN3D_SHARED"
-library="$strict -fPIC -fvisibility=hidden -fvisibility-inlines-hidden -DVARN3D_BUILDING
-    -DVARN3D_VERSION_MAJOR=0 -DVARN3D_VERSION_MINOR=0 -DVARN3D_VERSION_REVISION=0"
+library="$strict -fPIC -fvisibility=hidden -fvisibility-inlines-hidden -DVARN3D_BUILDING"
 numGreen=0
 
 # build_library DIRECTORY COMPILER OPTION...: libvarn3d.a and libvarn3d.so of the same objects.

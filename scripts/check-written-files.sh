@@ -1,16 +1,18 @@
 #!/bin/sh
-# check-written-files.sh [PROGRAM]: lets Gmsh (.mesh), TetGen (.node, .ele) and F3D (.vtk) read what
-# varn3d writes. They must find as many vertices and tetrahedra as varn3d, no fault in the files, and
-# TetGen must find the mesh consistent and Delaunay. Builds varn3d and installs what is missing
-# (Debian); if the PROGRAM is named it does neither, and ends with 77 when one of the tools is missing.
+# check-written-files.sh [PROGRAM]: lets the programs that they are meant for read what varn3d writes:
+# Gmsh (.mesh, .vtk, .ply), TetGen (.node, .ele, .face; it also finds the .neigh that it would write),
+# F3D with VTK's readers (.vtk, .vtu, .ply, .obj), meshio (all of them). They must find as many
+# vertices, cells and facets as varn3d, the same volume, no fault in the files, and TetGen must find
+# the mesh consistent and Delaunay. Builds varn3d and installs what is missing (Debian); if the
+# PROGRAM is named it does neither, and ends with 77 when one of the tools is missing.
 set -eu
 
 root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
 if [ $# -gt 0 ]; then
-    varn3d=$1
+    varn3d=$(realpath "$1")
 else
     . "$root/scripts/packages.sh"
-    install_missing g++ make cmake libcli11-dev gmsh tetgen f3d
+    install_missing g++ make cmake libcli11-dev gmsh tetgen f3d python3-meshio
     cmake -S "$root" -B "$root/build/example" -DCMAKE_BUILD_TYPE=Release \
         -DVARN3D_BUILD_TESTS=OFF -DVARN3D_BUILD_EXAMPLES=OFF -DVARN3D_BUILD_BENCH=OFF >/dev/null
     cmake --build "$root/build/example" --target varn3d --parallel "$(nproc)" >/dev/null
@@ -33,44 +35,122 @@ has_no_complaint() {
 }
 
 with_gmsh() {
-    timeout 300 gmsh -0 mesh.mesh -o read.geo_unrolled >said 2>&1 || fail "fails"
-    has_no_complaint
-    says " $points nodes\$"
-    says " $tets tetrahedra\$"
+    for file in mesh.mesh mesh.vtk ascii.ply; do
+        timeout 300 gmsh -0 $file -o read.geo_unrolled >said 2>&1 || fail "fails"
+        has_no_complaint
+        case $file in
+            mesh.mesh) says " $points nodes\$"; says " $tets tetrahedra\$" ;;
+            mesh.vtk) says " $points points\$"; says " $tets cells\$" ;;
+            ascii.ply) says " $hull triangles\$" ;;
+        esac
+    done
 }
 # It may hang over a faulty mesh. It faults the segments even of its own meshes of grids, and breaks
-# ties between cospherical points in its own way: neither is looked at.
+# ties between cospherical points in its own way: neither is looked at. It keeps the order of the
+# tetrahedra, so that its neighbours must be ours; the facets of the boundary that it finds by itself
+# must be ours as well. Where a clipped mesh hangs together by a vertex only it takes back no facets,
+# not even its own.
 with_tetgen() {
-    timeout 300 tetgen -rCC mesh >said 2>&1 || fail "fails"
+    cp mesh.node plain.node
+    cp mesh.ele plain.ele
+    timeout 300 tetgen -rnCC plain >said 2>&1 || fail "fails"
+    if [ "$clipped" = 0 ]; then
+        timeout 300 tetgen -rCC mesh >>said 2>&1 || fail "fails"
+    fi
     has_no_complaint
     says "Mesh points: $points\$"
     says "Mesh tetrahedra: $tets\$"
+    says "Mesh faces on facets: $facets\$"
     says "the mesh appears to be consistent"
     says "Mesh boundaries connected correctly"
     says "$1"
+    awk 'NR > 1 && !/#/ { print $2, $3, $4, $5 }' plain.1.neigh >theirs
+    awk 'NR > 1 { print $2, $3, $4, $5 }' mesh.neigh | cmp - theirs >said 2>&1 ||
+        fail "finds other neighbours"
+    boundary plain.1.face >theirs
+    boundary mesh.face | cmp - theirs >said 2>&1 || fail "finds other facets"
+}
+boundary() {
+    awk 'NR > 1 && !/#/ {
+            a = $2 + 0; b = $3 + 0; c = $4 + 0
+            if (a > b) { t = a; a = b; b = t }
+            if (b > c) { t = b; b = c; c = t }
+            if (a > b) { t = a; a = b; b = t }
+            print a, b, c }' "$1" | sort
 }
 with_f3d() {
-    timeout 300 f3d mesh.vtk --verbose --no-render >said 2>&1 || fail "fails"
+    for file in mesh.vtk ascii.vtk mesh.vtu; do
+        timeout 300 f3d $file --verbose --no-render >said 2>&1 || fail "fails"
+        has_no_complaint
+        says "Number of points: $points\$"
+        says "Number of cells: $tets\$"
+        says "firstEqual : int"
+        says "number : double : \[1, $points\]"
+    done
+    for file in hull.ply ascii.ply; do
+        timeout 300 f3d $file --verbose --no-render >said 2>&1 || fail "fails"
+        has_no_complaint
+        says "Number of polygons: $hull\$"
+    done
+    timeout 300 f3d hull.obj --verbose --no-render >said 2>&1 || fail "fails"
     has_no_complaint
-    says "Number of points: $points\$"
-    says "Number of cells: $tets\$"
-    says "firstEqual : int"
+}
+with_meshio() {
+    timeout 300 /usr/bin/python3 - "$points" "$tets" "$hull" "$clipped" >said 2>&1 <<'END' || fail "disagrees"
+import sys
+import meshio
+import numpy
+
+points, tets, hull, clipped = (int(word) for word in sys.argv[1:])
+volumes = []
+for name in ["mesh.vtk", "ascii.vtk", "mesh.vtu", "mesh.mesh", "mesh.ele"]:
+    mesh = meshio.read(name)
+    corners = mesh.points[mesh.cells[0].data]
+    edges = corners[:, 1:] - corners[:, :1]
+    assert (len(mesh.points), len(corners)) == (points, tets), name
+    volumes.append(numpy.linalg.det(edges).sum())
+    if name[-3:-1] == "vt":
+        assert (mesh.point_data["number"].ravel() == range(1, points + 1)).all(), name
+for name in ["hull.ply", "ascii.ply", "hull.obj"]:
+    mesh = meshio.read(name)
+    corners = mesh.points[mesh.cells[0].data] - mesh.points[0]
+    assert len(corners) == hull, name
+    if not clipped:
+        volumes.append(numpy.linalg.det(corners).sum())
+assert min(volumes) > 0.999999 * max(volumes) > 0, volumes
+END
+}
+
+# have TOOL: whether it is installed.
+have() {
+    if [ "$1" = meshio ]; then
+        /usr/bin/python3 -c 'import meshio' 2>/dev/null
+    else
+        command -v "$1" >/dev/null
+    fi
 }
 
 # read_by_all NAME POINTS DELAUNAY [OPTION...]: DELAUNAY is what TetGen must say.
 read_by_all() {
-    name=$1 input=$2 delaunay=$3
+    name=$1 delaunay=$3
+    grep -v '#' "$2" | awk '{ print $0, NR }' | sed '1s/^/# x y z number\n/' >numbered.xyz
     shift 3
-    "$varn3d" "$input" --medit mesh.mesh --tetgen mesh --vtk mesh.vtk "$@" >summary
+    "$varn3d" numbered.xyz --medit mesh.mesh --tetgen mesh --vtk mesh.vtk --hull hull.ply "$@" >summary
+    "$varn3d" numbered.xyz --quiet --ascii --vtk ascii.vtk --hull ascii.ply "$@"
+    "$varn3d" numbered.xyz --quiet --vtk mesh.vtu --hull hull.obj "$@"
     points=$(sed -n 's/^points read *//p' summary)
     tets=$(sed -n -E 's/^tetrahedra( kept)? +//p' summary | tail -n 1)
-    for tool in gmsh tetgen f3d; do
-        command -v $tool >/dev/null || continue
+    hull=$(sed -n 's/^hull facets *//p' summary)
+    facets=$(head -n 1 mesh.face | cut -d ' ' -f 1)
+    clipped=$#
+    for tool in $tools; do
+        have "$tool" || continue
         "with_$tool" "$delaunay"
-        echo "$tool, $name: $points points, $tets tetrahedra"
+        echo "$tool, $name: $points points, $tets tetrahedra, $hull facets of the hull"
     done
 }
 
+tools="gmsh tetgen f3d meshio"
 awk 'BEGIN { for (i = 0; i < 250; ++i) print i % 5, int(i / 5) % 5, int(i / 25) % 5 }' >grid.xyz
 awk 'BEGIN { srand(1); for (i = 0; i < 500; ++i)
     printf "%.17g %.17g %.17g\n", 1e-9 * rand(), 1e-9 * rand(), -1e-9 * rand() }' >tiny.xyz
@@ -79,8 +159,8 @@ read_by_all "clipped scan" "$root/examples/data/bunny.xyz" "consistent" --clip '
 read_by_all "grid given twice" grid.xyz "consistent"
 read_by_all "tiny box" tiny.xyz "The mesh is Delaunay"
 
-for tool in gmsh tetgen f3d; do
-    command -v $tool >/dev/null || missing="${missing:-} $tool"
+for tool in $tools; do
+    have "$tool" || missing="${missing:-} $tool"
 done
 if [ -n "${missing:-}" ]; then
     echo "Not installed, and so not asked:$missing"

@@ -27,8 +27,8 @@ for target in mesh predicates readers spheres; do
         $corpora
     llvm-profdata merge -o "$build/$target.profdata" "$build/$target.profraw"
     files=dt3Library
-    [ $target != readers ] || files='tools/PlyReader.cpp tools/PointFile.cpp tools/TextReader.cpp
-        tools/parsing.cpp'
+    [ $target != readers ] || files=$(ls tools/*Reader.cpp tools/PointFile.cpp tools/LayoutFinder.cpp \
+        tools/TextLayout.cpp tools/columns.cpp tools/parsing.cpp)
     [ $target != predicates ] || files='dt3Library/GeomTest3.cpp dt3Library/predicateStages.h'
     [ $target != spheres ] || files=dt3Library/kernel
     echo "== fuzz_$target: $(find $corpora -type f | wc -l) inputs"

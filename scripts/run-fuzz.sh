@@ -15,8 +15,9 @@ build=${VARN3D_FUZZ_BUILD:-build/fuzz}
 
 install_missing clang make cmake libclang-rt-dev libgmp-dev
 cmake -S . -B "$build" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_CXX_FLAGS_RELEASE=-O1 -DVARN3D_BUILD_FUZZ=ON -DVARN3D_BUILD_TESTS=OFF \
-    -DVARN3D_BUILD_TOOLS=OFF -DVARN3D_BUILD_EXAMPLES=OFF -DVARN3D_BUILD_BENCH=OFF >/dev/null
+    -DCMAKE_CXX_FLAGS_RELEASE=-O1 -DVARN3D_WERROR=ON -DVARN3D_BUILD_FUZZ=ON \
+    -DVARN3D_BUILD_TESTS=OFF -DVARN3D_BUILD_TOOLS=OFF -DVARN3D_BUILD_EXAMPLES=OFF \
+    -DVARN3D_BUILD_BENCH=OFF >/dev/null
 # The names are to be split into words.
 # shellcheck disable=SC2046
 cmake --build "$build" --parallel "$(nproc)" --target $(printf 'fuzz_%s ' "$@")

@@ -15,5 +15,5 @@ output=build/valgrind
 mkdir -p "$output"
 valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=all \
     --errors-for-leak-kinds=all build/release/tools/varn3d examples/data/bunny.xyz --check --stats \
-    --vtk "$output/scan.vtk" --medit "$output/scan.mesh" --tetgen "$output/scan" \
-    --geomview "$output/scan.list"
+    --vtk "$output/scan.vtu" --medit "$output/scan.mesh" --tetgen "$output/scan" \
+    --hull "$output/hull.ply" --geomview "$output/scan.list"

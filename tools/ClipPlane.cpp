@@ -7,17 +7,31 @@
 
 namespace tool {
 
+namespace {
+
+const std::string_view axisNames = "xyzXYZ";
+
+}  // namespace
+
 ClipPlane ClipPlane::parse(const std::string& text) {
+    std::string_view rest = trimmed(text);
     ClipPlane plane;
-    const bool bWellFormed = text.size() > 2 &&
-                             std::string_view("xyz").find(text[0]) != std::string_view::npos &&
-                             std::string_view("=<>").find(text[1]) != std::string_view::npos &&
-                             !parseNumber(std::string_view(text).substr(2), plane.value);
-    if (!bWellFormed) {
-        throw InputError("--clip: " + quoted(text) + " is not like x=0.5, x<0.5 or x>0.5");
+    const std::size_t axis = rest.empty() ? std::string_view::npos : axisNames.find(rest[0]);
+    bool bWellFormed = axis != std::string_view::npos;
+    if (bWellFormed) {
+        plane.axis = axisNames[axis % 3];
+        rest = trimmed(rest.substr(1));
+        const std::size_t length = rest.find_first_not_of("<=>");
+        const std::string_view comparison = rest.substr(0, length);
+        plane.bKeepsLarger = comparison == ">" || comparison == ">=";
+        bWellFormed =
+            length != std::string_view::npos &&
+            (plane.bKeepsLarger || comparison == "<" || comparison == "<=" || comparison == "=") &&
+            !parseNumber(trimmed(rest.substr(length)), plane.value);
     }
-    plane.axis = text[0];
-    plane.bKeepsLarger = text[1] == '>';
+    if (!bWellFormed) {
+        throw InputError("--clip: " + quoted(text) + " is not like x<=0.5 or x>=0.5");
+    }
     return plane;
 }
 

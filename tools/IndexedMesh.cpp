@@ -27,9 +27,9 @@ void bringIntoOrder(IndexedMesh::Tetrahedron& t) {
 
 }  // namespace
 
-IndexedMesh::IndexedMesh(std::vector<Point3> inputPoints, const std::vector<Point3*>& vertices,
+IndexedMesh::IndexedMesh(PointSet input, const std::vector<Point3*>& vertices,
                          const std::vector<Tet3*>& tets)
-    : points(std::move(inputPoints)) {
+    : points(std::move(input.points)), attributes(std::move(input.attributes)) {
     std::unordered_map<const Point3*, std::uint32_t> firstOfVertex;
     firstOfVertex.reserve(vertices.size());
     firstEqual.reserve(vertices.size());
@@ -42,10 +42,24 @@ IndexedMesh::IndexedMesh(std::vector<Point3> inputPoints, const std::vector<Poin
         for (int i = 0; i < 4; ++i) {
             corners[static_cast<std::size_t>(i)] = firstOfVertex.at(tet->getCorner(i));
         }
+        for (int i = 0; i < 4; ++i) {
+            if (!tet->getOppTet(i)) {
+                hull.push_back(facetOpposite(corners, static_cast<std::size_t>(i)));
+            }
+        }
         bringIntoOrder(corners);
         tetrahedra.push_back(corners);
     }
     std::sort(tetrahedra.begin(), tetrahedra.end());
+    std::sort(hull.begin(), hull.end());
+}
+
+IndexedMesh::Facet IndexedMesh::facetOpposite(const Tetrahedron& t, std::size_t corner) {
+    static const std::size_t outward[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
+    const auto& o = outward[corner];
+    Facet facet = {t[o[0]], t[o[1]], t[o[2]]};
+    std::rotate(facet.begin(), std::min_element(facet.begin(), facet.end()), facet.end());
+    return facet;
 }
 
 void IndexedMesh::clip(const ClipPlane& plane) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ClipPlane.h"
+#include "PointSet.h"
 
 namespace tool {
 
@@ -19,10 +20,10 @@ namespace tool {
 /// are sorted: the same mesh gives the same list, wherever the library has put it in memory.
 struct IndexedMesh {
     using Tetrahedron = std::array<std::uint32_t, 4>;
+    using Facet = std::array<std::uint32_t, 3>;
 
     /// vertices: the vertex of each input point, as the insertion has handed them out.
-    IndexedMesh(std::vector<VARN3D::Point3> inputPoints,
-                const std::vector<VARN3D::Point3*>& vertices,
+    IndexedMesh(PointSet input, const std::vector<VARN3D::Point3*>& vertices,
                 const std::vector<VARN3D::Tet3*>& tets);
 
     /// Keeps the tetrahedra that lie wholly on the plane's side; the points stay.
@@ -30,10 +31,18 @@ struct IndexedMesh {
 
     bool isDuplicate(std::uint32_t point) const { return firstEqual[point] != point; }
 
+    /// The facet opposite a corner, counter-clockwise as seen from that corner's far side, its
+    /// smallest number first.
+    static Facet facetOpposite(const Tetrahedron& corners, std::size_t corner);
+
     std::vector<VARN3D::Point3> points;
+    std::vector<Attribute> attributes;
     /// For each point the first one with the same coordinates, often the point itself.
     std::vector<std::uint32_t> firstEqual;
     std::vector<Tetrahedron> tetrahedra;
+    /// The facets of the convex hull, counter-clockwise as seen from outside, sorted. Clipping
+    /// leaves them as they are.
+    std::vector<Facet> hull;
 };
 
 }  // namespace tool

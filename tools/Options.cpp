@@ -3,32 +3,62 @@
 #include <dt3Library/Varn_3D.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <map>
+#include <string_view>
 
 #include "InputError.h"
+#include "parsing.h"
 
 namespace tool {
 
 namespace {
 
 const char* const footer = R"(Input:
-  Text (.xyz .txt .csv): a point a line, its three numbers separated by blanks or
-  by commas. "#" begins a comment; further columns are ignored; a first line that
-  names columns x, y and z says which ones to take.
-  PLY (.ply), ASCII or binary: the vertices.
+  Text (.xyz .txt .csv .pts): a point a line, cut at semicolons, commas, tabs or
+  blanks, x, y and z in front. A first line or a "#" comment that names columns x,
+  y and z says which ones to take. A count before the points is understood, also
+  that of molecules (.xyz). "#" begins a comment.
+  PLY, ASCII or binary; OBJ; OFF; TetGen's .node.
 
 Examples:
   varn3d scan.xyz                          triangulate and print a summary
   varn3d scan.ply --check --stats          check the result, show its quality
-  varn3d scan.csv --vtk scan.vtk           write a grid for ParaView or F3D
-  varn3d scan.xyz --vtk half.vtk --clip x=0.5
+  varn3d scan.csv --vtk scan.vtu           write a grid for ParaView or F3D
+  varn3d scan.xyz --vtk half.vtk --clip 'x<=0.5'
                                            only what lies wholly at x <= 0.5
-  gunzip -c scan.ply.gz | varn3d - --format ply --medit scan.mesh
+  gunzip -c scan.ply.gz | varn3d - --hull hull.ply
 
 Exit codes:
   0 success; 1 the check failed; 2 bad input, option or file;
   3 the points are coplanar, so that there is no tetrahedron)";
+
+const std::map<std::string, PointFormat> formats = {
+    {"xyz", PointFormat::text}, {"txt", PointFormat::text}, {"csv", PointFormat::text},
+    {"pts", PointFormat::text}, {"ply", PointFormat::ply},  {"obj", PointFormat::obj},
+    {"off", PointFormat::off},  {"node", PointFormat::node}};
+
+std::string versionText() {
+    return "varn3d " + std::to_string(VARN3D_VERSION_MAJOR) + "." +
+           std::to_string(VARN3D_VERSION_MINOR) + "." + std::to_string(VARN3D_VERSION_REVISION);
+}
+
+/// Reads "1,2,3".
+AxisColumns parseColumns(const std::string& text) {
+    std::vector<std::string_view> words;
+    std::uint64_t numbers[3] = {};
+    cut(text, Separator::comma, words);
+    bool bGood = words.size() == 3;
+    for (std::size_t i = 0; i < 3 && bGood; ++i) {
+        bGood = parseCount(words[i], numbers[i]) && numbers[i] > 0;
+    }
+    if (!bGood || numbers[0] == numbers[1] || numbers[0] == numbers[2] ||
+        numbers[1] == numbers[2]) {
+        throw InputError("--columns: " + tool::quoted(text) + " is not like 1,2,3");
+    }
+    return {numbers[0] - 1, numbers[1] - 1, numbers[2] - 1};
+}
 
 void refuseNamesGivenTwice(std::vector<std::string> names) {
     names.erase(std::remove(names.begin(), names.end(), ""), names.end());
@@ -44,47 +74,72 @@ void refuseNamesGivenTwice(std::vector<std::string> names) {
     }
 }
 
-}  // namespace
-
-std::optional<Options> Options::parse(int argc, const char* const* argv) {
-    Options options;
-    std::string tetgen;
+/// What the options name, before it is understood.
+struct Words {
+    std::string format;
+    std::string columns;
     std::vector<std::string> clips;
-    CLI::App app("Exact Delaunay tetrahedralisation of a set of points.", "varn3d");
-    app.set_version_flag("--version", VARN3D::getVarn3DVersion());
-    app.footer(footer);
+};
+
+void describeInput(CLI::App& app, Options& options, Words& words) {
     app.add_option("input", options.input, "File of points; - reads standard input")
         ->required()
         ->type_name("FILE");
-    const std::map<std::string, PointFormat> formats = {{"xyz", PointFormat::text},
-                                                        {"txt", PointFormat::text},
-                                                        {"csv", PointFormat::text},
-                                                        {"ply", PointFormat::ply}};
-    std::string formatName;
-    app.add_option("--format", formatName, "xyz, txt, csv or ply, whatever the file's name")
+    app.add_option(
+           "--format", words.format,
+           "xyz, txt, csv, pts (all text), ply, obj, off or node, whatever the file is like")
         ->check(CLI::IsMember(&formats).description(""))
         ->type_name("NAME");
-    app.add_option("--vtk", options.vtk, "Write a VTK unstructured grid (legacy, .vtk)")
+    app.add_option("--columns", words.columns,
+                   "The columns of a text that hold x, y and z, counted from 1")
+        ->type_name("1,2,3");
+}
+
+void describeOutput(CLI::App& app, Options& options, Words& words) {
+    app.add_option("--vtk", options.vtk,
+                   "Write a VTK unstructured grid, legacy (.vtk) or XML (.vtu), with all other "
+                   "numbers of the points")
         ->type_name("FILE");
     app.add_option("--medit", options.medit, "Write a Medit mesh (.mesh)")->type_name("FILE");
-    app.add_option("--tetgen", tetgen, "Write BASENAME.node and BASENAME.ele")
+    app.add_option("--tetgen", options.tetgen,
+                   "Write BASENAME.node, BASENAME.ele, BASENAME.face and BASENAME.neigh")
         ->type_name("BASENAME");
+    app.add_option("--hull", options.hull, "Write the convex hull as a surface (.ply or .obj)")
+        ->type_name("FILE");
     auto* geomview = app.add_option("--geomview", options.geomview,
                                     "Write all tetrahedra in Geomview's OOGL format")
                          ->type_name("FILE");
     app.add_option("--duplicates", options.duplicates,
                    "List the points that equal an earlier one, with that one's number")
         ->type_name("FILE");
-    app.add_option("--clip", clips,
-                   "Write only tetrahedra wholly at x <= 0.5, say. x>0.5 takes the other side; "
-                   "several cut one after the other. Not for --geomview")
-        ->type_name("x=0.5")
+    app.add_flag("--ascii", options.bAscii, "Write .vtk and .ply files as text, not as binary");
+    app.add_option("--clip", words.clips,
+                   "Write only tetrahedra wholly at x <= 0.5, say. 'x>=0.5' takes the other side; "
+                   "several cut one after the other. Not for --hull and --geomview")
+        ->type_name("'x<=0.5'")
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->excludes(geomview);
+}
+
+void describeReports(CLI::App& app, Options& options) {
     app.add_flag("--check", options.bCheck, "Check the finished mesh, the empty spheres included");
     app.add_flag("--stats", options.bStatistics,
                  "Show histograms of dihedral angles, radius-edge ratios and vertex degrees");
+    app.add_flag("--quiet", options.bQuiet, "Print no summary and show no progress");
+}
+
+}  // namespace
+
+std::optional<Options> Options::parse(int argc, const char* const* argv) {
+    Options options;
+    Words words;
+    CLI::App app("Exact Delaunay tetrahedralisation of a set of points.", "varn3d");
+    app.set_version_flag("--version", versionText());
+    app.footer(footer);
+    describeInput(app, options, words);
+    describeOutput(app, options, words);
+    describeReports(app, options);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& answered) {
@@ -93,37 +148,41 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw InputError(std::string(error.what()) + " (varn3d --help tells more)");
     }
-    if (!formatName.empty()) {
-        options.format = formats.at(formatName);
+    if (!words.format.empty()) {
+        options.reading.format = formats.at(words.format);
     }
-    for (const std::string& clip : clips) {
+    if (!words.columns.empty()) {
+        options.reading.columns = parseColumns(words.columns);
+    }
+    for (const std::string& clip : words.clips) {
         options.clipPlanes.push_back(ClipPlane::parse(clip));
     }
-    if (!tetgen.empty()) {
-        options.tetgenNodes = tetgen + ".node";
-        options.tetgenElements = tetgen + ".ele";
-    }
-    if (!clips.empty() && options.vtk.empty() && options.medit.empty() && tetgen.empty()) {
+    options.reading.bAttributes = !options.vtk.empty();
+    options.refuseSenseless();
+    return options;
+}
+
+void Options::refuseSenseless() const {
+    if (!clipPlanes.empty() && vtk.empty() && medit.empty() && tetgen.empty()) {
         throw InputError("--clip needs --vtk, --medit or --tetgen");
     }
-    for (const std::string& name :
-         {options.vtk, options.medit, options.geomview, options.duplicates, tetgen}) {
+    for (const std::string& name : {vtk, medit, geomview, duplicates, tetgen, hull}) {
         if (name == "-") {
             throw InputError("- names standard input, not a file to write");
         }
     }
-    if (std::filesystem::path(options.vtk).extension() == ".vtu") {
-        throw InputError(options.vtk,
-                         "the grid is in VTK's legacy format, whose files end in .vtk");
+    if (!hull.empty() && !endsIn(hull, ".ply") && !endsIn(hull, ".obj")) {
+        throw InputError(hull, "the hull can be written to a .ply or an .obj file");
     }
-    refuseNamesGivenTwice({options.input == "-" ? "" : options.input, options.vtk, options.geomview,
-                           options.medit, options.tetgenNodes, options.tetgenElements,
-                           options.duplicates});
-    return options;
-}
-
-bool Options::needsIndexedMesh() const {
-    return !(vtk.empty() && medit.empty() && tetgenNodes.empty() && duplicates.empty());
+    if (bAscii && endsIn(vtk, ".vtu")) {
+        throw InputError(vtk, "--ascii is for .vtk and .ply files");
+    }
+    std::vector<std::string> names = {
+        input == "-" ? "" : input, vtk, geomview, medit, hull, duplicates};
+    for (const char* ending : {".node", ".ele", ".face", ".neigh"}) {
+        names.push_back(tetgen.empty() ? "" : tetgen + ending);
+    }
+    refuseNamesGivenTwice(names);
 }
 
 }  // namespace tool

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "ClipPlane.h"
-#include "PointFile.h"
+#include "ReadingOptions.h"
 
 namespace tool {
 
@@ -15,19 +15,23 @@ struct Options {
     /// Throws InputError for a command line that makes no sense.
     static std::optional<Options> parse(int argc, const char* const* argv);
 
-    bool needsIndexedMesh() const;
-
     std::string input;
-    PointFormat format = PointFormat::automatic;
+    ReadingOptions reading;
     std::string vtk;
     std::string geomview;
     std::string medit;
-    std::string tetgenNodes;
-    std::string tetgenElements;
+    /// The name that TetGen's files have in common.
+    std::string tetgen;
+    std::string hull;
     std::string duplicates;
     std::vector<ClipPlane> clipPlanes;
+    bool bAscii = false;
     bool bCheck = false;
     bool bStatistics = false;
+    bool bQuiet = false;
+
+  private:
+    void refuseSenseless() const;
 };
 
 }  // namespace tool

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "InputError.h"
+#include "temporaryFiles.h"
 
 namespace tool {
 
@@ -23,20 +24,28 @@ OutputFile::OutputFile(const std::string& targetName) : displayName(targetName) 
         temporaryName = target;
         pFile = std::fopen(target.c_str(), "wb");
     } else {
-        bTemporary = true;
-        for (int attempt = 0; !pFile && attempt < 1000; ++attempt) {
-            temporaryName = target + ".part" + std::to_string(attempt);
-            pFile = std::fopen(temporaryName.c_str(), "wbx");
-            if (!pFile && errno != EEXIST) {
-                break;
-            }
-        }
+        createTemporary();
     }
     if (!pFile) {
-        bTemporary = false;
         fail();
     }
-    std::setvbuf(pFile, nullptr, _IOFBF, std::size_t{1} << 18);
+    std::setvbuf(pFile, nullptr, _IONBF, 0);
+    buffer.reserve(2 * bufferSize);
+}
+
+void OutputFile::createTemporary() {
+    const SignalBlock block;
+    for (int attempt = 0; !pFile && attempt < 1000; ++attempt) {
+        temporaryName = target + ".part" + std::to_string(attempt);
+        pFile = std::fopen(temporaryName.c_str(), "wbx");
+        if (!pFile && errno != EEXIST) {
+            return;
+        }
+    }
+    bTemporary = pFile != nullptr;
+    if (bTemporary) {
+        addTemporaryFile(temporaryName);
+    }
 }
 
 OutputFile::~OutputFile() {
@@ -44,17 +53,21 @@ OutputFile::~OutputFile() {
         std::fclose(pFile);
     }
     if (bTemporary) {
+        const SignalBlock block;
         std::remove(temporaryName.c_str());
+        forgetTemporaryFile(temporaryName);
     }
 }
 
-void OutputFile::write(std::string_view text) {
-    if (std::fwrite(text.data(), 1, text.size(), pFile) != text.size()) {
+void OutputFile::flush() {
+    if (std::fwrite(buffer.data(), 1, buffer.size(), pFile) != buffer.size()) {
         fail();
     }
+    buffer.clear();
 }
 
 void OutputFile::close() {
+    flush();
     std::FILE* const pClosing = pFile;
     pFile = nullptr;
     if (std::fclose(pClosing) != 0) {
@@ -63,8 +76,12 @@ void OutputFile::close() {
 }
 
 void OutputFile::commit() {
-    if (bTemporary && std::rename(temporaryName.c_str(), target.c_str()) != 0) {
-        fail();
+    if (bTemporary) {
+        const SignalBlock block;
+        if (std::rename(temporaryName.c_str(), target.c_str()) != 0) {
+            fail();
+        }
+        forgetTemporaryFile(temporaryName);
     }
     bTemporary = false;
 }

@@ -1,15 +1,13 @@
 #include "PlyReader.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 #include "InputError.h"
 
 namespace tool {
-
-using VARN3D::Point3;
 
 namespace {
 
@@ -18,12 +16,6 @@ int axisOf(std::string_view propertyName) {
     return propertyName.size() == 1 && axes.find(propertyName[0]) != std::string_view::npos
                ? propertyName[0] - 'x'
                : -1;
-}
-
-bool parseCount(std::string_view text, std::uint64_t& count) {
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, count);
-    return result.ec == std::errc() && result.ptr == end;
 }
 
 /// The number whose bits, in the machine's own order, are these.
@@ -37,26 +29,21 @@ double reinterpreted(Bits bits) {
 
 }  // namespace
 
-PlyReader::PlyReader(std::string_view content, const std::string& name)
-    : lines(content), fileName(name) {}
-
-std::vector<Point3> PlyReader::read() {
+PointSet PlyReader::read() {
     parseHeader();
     data = lines.rest();
-    std::vector<Point3> points;
     for (const Element& element : elements) {
         const bool bVertices = element.name == "vertex";
-        std::vector<Point3>* const pPoints = bVertices ? &points : nullptr;
         if (encoding == Encoding::ascii) {
-            readAsciiElement(element, pPoints);
+            readAsciiElement(element, bVertices);
         } else {
-            readBinaryElement(element, pPoints);
+            readBinaryElement(element, bVertices);
         }
         if (bVertices) {
             break;
         }
     }
-    return points;
+    return std::move(set);
 }
 
 // ---- The header
@@ -73,10 +60,10 @@ void PlyReader::parseHeader() {
             const auto isVertex = [](const Element& element) { return element.name == "vertex"; };
             const auto vertices = std::find_if(elements.begin(), elements.end(), isVertex);
             if (!bFormat) {
-                failAtLine("the header names no format");
+                fail("the header names no format");
             }
             if (vertices == elements.end()) {
-                failAtLine("the header names no vertex element");
+                fail("the header names no vertex element");
             }
             checkVertexElement(*vertices);
             return;
@@ -89,10 +76,10 @@ void PlyReader::parseHeader() {
         } else if (keyword == "property") {
             parseProperty(line);
         } else if (!keyword.empty() && keyword != "comment" && keyword != "obj_info") {
-            failAtLine("unknown header line " + quoted(keyword));
+            fail("unknown header line " + quoted(keyword));
         }
     }
-    failAtLine("the header has no end");
+    fail("the header has no end");
 }
 
 void PlyReader::parseFormat(std::string_view words) {
@@ -104,11 +91,11 @@ void PlyReader::parseFormat(std::string_view words) {
     } else if (name == "binary_big_endian") {
         encoding = Encoding::bigEndian;
     } else {
-        failAtLine("unknown format " + quoted(name));
+        fail("unknown format " + quoted(name));
     }
     const std::string_view version = takeWord(words);
     if (version != "1.0") {
-        failAtLine("unknown format version " + quoted(version));
+        fail("unknown format version " + quoted(version));
     }
 }
 
@@ -117,18 +104,18 @@ void PlyReader::parseElement(std::string_view words) {
     element.name = takeWord(words);
     const std::string_view count = takeWord(words);
     if (element.name.empty() || !parseCount(count, element.count)) {
-        failAtLine(quoted(count) + " is not a number of elements");
+        fail(quoted(count) + " is not a number of elements");
     }
     const auto sameName = [&](const Element& other) { return other.name == element.name; };
     if (std::any_of(elements.begin(), elements.end(), sameName)) {
-        failAtLine("a second element " + quoted(element.name));
+        fail("a second element " + quoted(element.name));
     }
     elements.push_back(element);
 }
 
 void PlyReader::parseProperty(std::string_view words) {
     if (elements.empty()) {
-        failAtLine("a property before the first element");
+        fail("a property before the first element");
     }
     Property property = {};
     std::string_view type = takeWord(words);
@@ -137,21 +124,34 @@ void PlyReader::parseProperty(std::string_view words) {
         const std::string_view countType = takeWord(words);
         property.countType = parseScalar(countType);
         if (property.countType.bFloat) {
-            failAtLine("a list can't be counted in " + quoted(countType));
+            fail("a list can't be counted in " + quoted(countType));
         }
         type = takeWord(words);
     }
     property.type = parseScalar(type);
     const std::string_view name = takeWord(words);
     if (name.empty()) {
-        failAtLine("a property without a name");
+        fail("a property without a name");
     }
     Element& element = elements.back();
-    property.axis = element.name == "vertex" ? axisOf(name) : -1;
-    if (property.axis >= 0 && property.bList) {
-        failAtLine("the vertex property " + quoted(name) + " is a list");
-    }
+    property.slot = takeSlot(name, element.name, property.bList);
     element.properties.push_back(property);
+}
+
+int PlyReader::takeSlot(std::string_view name, const std::string& element, bool bList) {
+    if (element != "vertex") {
+        return -1;
+    }
+    const int axis = axisOf(name);
+    if (axis >= 0 && bList) {
+        fail("the vertex property " + quoted(name) + " is a list");
+    }
+    if (axis >= 0 || bList || !options.bAttributes) {
+        return axis;
+    }
+    set.attributes.push_back({std::string(name), {}});
+    values.push_back(0);
+    return static_cast<int>(values.size()) - 1;
 }
 
 PlyReader::Scalar PlyReader::parseScalar(std::string_view word) const {
@@ -170,23 +170,30 @@ PlyReader::Scalar PlyReader::parseScalar(std::string_view word) const {
             return scalar.type;
         }
     }
-    failAtLine("unknown property type " + quoted(word));
+    fail("unknown property type " + quoted(word));
 }
 
 void PlyReader::checkVertexElement(const Element& element) const {
     for (int axis = 0; axis < 3; ++axis) {
         const auto numNamed = std::count_if(element.properties.begin(), element.properties.end(),
-                                            [&](const Property& p) { return p.axis == axis; });
+                                            [&](const Property& p) { return p.slot == axis; });
         if (numNamed != 1) {
-            failAtLine(std::string(numNamed == 0 ? "no" : "more than one") + " vertex property " +
-                       quoted(std::string_view("xyz").substr(static_cast<std::size_t>(axis), 1)));
+            fail(std::string(numNamed == 0 ? "no" : "more than one") + " vertex property " +
+                 quoted(std::string_view("xyz").substr(static_cast<std::size_t>(axis), 1)));
         }
+    }
+}
+
+void PlyReader::addVertex() {
+    set.points.emplace_back(values[0], values[1], values[2]);
+    for (std::size_t i = 0; i < set.attributes.size(); ++i) {
+        set.attributes[i].values.push_back(values[3 + i]);
     }
 }
 
 // ---- ASCII data: a line an element
 
-void PlyReader::readAsciiElement(const Element& element, std::vector<Point3>* pPoints) {
+void PlyReader::readAsciiElement(const Element& element, bool bVertices) {
     if (element.properties.empty()) {
         return;
     }
@@ -194,56 +201,59 @@ void PlyReader::readAsciiElement(const Element& element, std::vector<Point3>* pP
         std::string_view line;
         do {
             if (!lines.next(line)) {
-                failAtLine("the file ends before " + printable(element.name) + " " +
-                           std::to_string(i) + " of " + std::to_string(element.count));
+                fail("the file ends before " + printable(element.name) + " " + std::to_string(i) +
+                     " of " + std::to_string(element.count));
             }
         } while (trimmed(line).empty());
-        double xyz[3] = {};
-        readAsciiLine(element, line, xyz);
-        if (pPoints) {
-            pPoints->emplace_back(xyz[0], xyz[1], xyz[2]);
+        tellShare();
+        readAsciiLine(element, line);
+        if (bVertices) {
+            addVertex();
         }
     }
 }
 
-void PlyReader::readAsciiLine(const Element& element, std::string_view line,
-                              double (&xyz)[3]) const {
+void PlyReader::readAsciiLine(const Element& element, std::string_view line) {
     for (const Property& property : element.properties) {
+        const std::string_view word = takeAsciiValue(line);
         if (property.bList) {
-            const std::string_view word = takeWord(line);
             std::uint64_t length = 0;
             if (!parseCount(word, length)) {
-                failAtLine(quoted(word) + " is not the length of a list");
+                fail(quoted(word) + " is not the length of a list");
             }
             for (; length > 0; --length) {
-                takeAsciiNumber(line);
+                takeAsciiValue(line);
             }
-        } else if (property.axis >= 0) {
-            xyz[property.axis] = takeAsciiNumber(line);
-        } else if (takeWord(line).empty()) {
-            failAtLine("fewer values than the header names");
+        } else if (property.slot >= 0) {
+            const auto slot = static_cast<std::size_t>(property.slot);
+            values[slot] = parseAsciiValue(word, slot < 3);
         }
     }
     if (!trimmed(line).empty()) {
-        failAtLine("more values than the header names");
+        fail("more values than the header names");
     }
 }
 
-double PlyReader::takeAsciiNumber(std::string_view& line) const {
+std::string_view PlyReader::takeAsciiValue(std::string_view& line) const {
     const std::string_view word = takeWord(line);
     if (word.empty()) {
-        failAtLine("fewer values than the header names");
+        fail("fewer values than the header names");
     }
+    return word;
+}
+
+double PlyReader::parseAsciiValue(std::string_view word, bool bFinite) const {
     double value = 0;
-    if (const char* problem = parseNumber(word, value)) {
-        failAtLine(quoted(word) + problem);
+    const char* const problem = parseNumber(word, value);
+    if (problem && (bFinite || !parseAnyNumber(word, value))) {
+        fail(quoted(word) + problem);
     }
     return value;
 }
 
 // ---- Binary data
 
-void PlyReader::readBinaryElement(const Element& element, std::vector<Point3>* pPoints) {
+void PlyReader::readBinaryElement(const Element& element, bool bVertices) {
     std::uint64_t smallestRecord = 0;
     for (const Property& property : element.properties) {
         smallestRecord += property.bList ? property.countType.size : property.type.size;
@@ -251,19 +261,18 @@ void PlyReader::readBinaryElement(const Element& element, std::vector<Point3>* p
     if (smallestRecord == 0) {
         return;
     }
-    if (pPoints) {
-        pPoints->reserve(std::min(element.count, data.size() / smallestRecord));
+    if (bVertices) {
+        set.points.reserve(std::min(element.count, data.size() / smallestRecord));
     }
     for (std::uint64_t i = 0; i < element.count; ++i) {
-        double xyz[3] = {};
-        readBinaryRecord({&element, i}, xyz);
-        if (pPoints) {
-            pPoints->emplace_back(xyz[0], xyz[1], xyz[2]);
+        readBinaryRecord({&element, i});
+        if (bVertices) {
+            addVertex();
         }
     }
 }
 
-void PlyReader::readBinaryRecord(const Place& place, double (&xyz)[3]) {
+void PlyReader::readBinaryRecord(const Place& place) {
     for (const Property& property : place.pElement->properties) {
         if (property.bList) {
             const Scalar& countType = property.countType;
@@ -275,12 +284,12 @@ void PlyReader::readBinaryRecord(const Place& place, double (&xyz)[3]) {
             continue;
         }
         const std::string_view bytes = takeBytes(property.type.size, place);
-        if (property.axis >= 0) {
-            const double value = decode(bytes, property.type);
-            if (!std::isfinite(value)) {
-                failAtPlace(place, std::string(1, "xyz"[property.axis]) + " is not finite");
+        if (property.slot >= 0) {
+            const auto slot = static_cast<std::size_t>(property.slot);
+            values[slot] = decode(bytes, property.type);
+            if (slot < 3 && !std::isfinite(values[slot])) {
+                failAtPlace(place, std::string(1, "xyz"[slot]) + " is not finite");
             }
-            xyz[property.axis] = value;
         }
     }
 }
@@ -309,10 +318,6 @@ double PlyReader::decode(std::string_view bytes, const Scalar& type) const {
     const auto magnitude = static_cast<double>(bits);
     return type.bSigned && (bits & signBit) != 0 ? magnitude - 2 * static_cast<double>(signBit)
                                                  : magnitude;
-}
-
-void PlyReader::failAtLine(const std::string& problem) const {
-    throw InputError(fileName, lines.lineNumber(), problem);
 }
 
 void PlyReader::failAtPlace(const Place& place, const std::string& problem) const {

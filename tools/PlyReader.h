@@ -1,28 +1,27 @@
 #pragma once
 
-#include <dt3Library/Varn_3D.h>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "parsing.h"
+#include "PointReader.h"
 
 namespace tool {
 
 /// Reads the vertices of a PLY file: ASCII, or binary of either byte order. Of the vertex element
-/// the scalar properties x, y and z count, everything else is skipped; what follows the vertices is
-/// not looked at.
+/// the scalar properties x, y and z are the point and the other scalars its attributes; lists are
+/// skipped, and what follows the vertices is not looked at.
 ///
 /// No number of the header is trusted: memory is taken in proportion to the size of the file only.
-class PlyReader {
+class PlyReader : public PointReader {
   public:
-    PlyReader(std::string_view content, const std::string& fileName);
+    using PointReader::PointReader;
 
-    /// All vertices, in the order of the file. Throws InputError, which names the line for the
-    /// header and ASCII data, the element and its index (counted from 0) for binary data.
-    std::vector<VARN3D::Point3> read();
+    /// An InputError names the line for the header and ASCII data, the element and its index
+    /// (counted from 0) for binary data.
+    PointSet read() override;
 
   private:
     enum class Encoding { ascii, littleEndian, bigEndian };
@@ -37,8 +36,9 @@ class PlyReader {
         Scalar type;
         bool bList;
         Scalar countType;
-        /// 0, 1, 2 for the vertex properties x, y, z; -1 for every other one.
-        int axis;
+        /// Where its value goes: 0, 1, 2 for the vertex properties x, y, z, from 3 on for those
+        /// that are attributes; -1 for every other one.
+        int slot;
     };
 
     struct Element {
@@ -60,24 +60,28 @@ class PlyReader {
     Scalar parseScalar(std::string_view word) const;
     void checkVertexElement(const Element& element) const;
 
-    void readAsciiElement(const Element& element, std::vector<VARN3D::Point3>* pPoints);
-    void readAsciiLine(const Element& element, std::string_view line, double (&xyz)[3]) const;
-    double takeAsciiNumber(std::string_view& line) const;
+    int takeSlot(std::string_view name, const std::string& element, bool bList);
+    void addVertex();
 
-    void readBinaryElement(const Element& element, std::vector<VARN3D::Point3>* pPoints);
-    void readBinaryRecord(const Place& place, double (&xyz)[3]);
+    void readAsciiElement(const Element& element, bool bVertices);
+    void readAsciiLine(const Element& element, std::string_view line);
+    std::string_view takeAsciiValue(std::string_view& line) const;
+    double parseAsciiValue(std::string_view word, bool bFinite) const;
+
+    void readBinaryElement(const Element& element, bool bVertices);
+    void readBinaryRecord(const Place& place);
     std::string_view takeBytes(std::uint64_t numBytes, const Place& place);
     double decode(std::string_view bytes, const Scalar& type) const;
 
-    [[noreturn]] void failAtLine(const std::string& problem) const;
     [[noreturn]] void failAtPlace(const Place& place, const std::string& problem) const;
 
-    LineCursor lines;
-    std::string fileName;
     Encoding encoding = Encoding::ascii;
     std::vector<Element> elements;
     /// The binary data that has not been read yet.
     std::string_view data;
+    PointSet set;
+    /// The values of the vertex that is being read, by slot.
+    std::vector<double> values = {0, 0, 0};
 };
 
 }  // namespace tool

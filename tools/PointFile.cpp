@@ -1,39 +1,97 @@
 #include "PointFile.h"
 
-#include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "InputError.h"
+#include "NodeReader.h"
+#include "ObjReader.h"
+#include "OffReader.h"
 #include "PlyReader.h"
 #include "TextReader.h"
+#include "readableFormats.h"
 
 namespace tool {
 
 namespace {
 
-bool endsIn(std::string name, std::string_view ending) {
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return name.size() > ending.size() &&
-           std::string_view(name).substr(name.size() - ending.size()) == ending;
+bool beginsWith(std::string_view content, std::string_view beginning) {
+    return content.substr(0, beginning.size()) == beginning;
+}
+
+/// Names what the content is when no reader can make anything of it.
+void refuseForeign(std::string_view content, const std::string& fileName) {
+    static const struct {
+        std::string_view beginning;
+        const char* name;
+    } foreign[] = {{"BZh", "compressed with bzip2"},
+                   {"\xFD"
+                    "7zXZ",
+                    "compressed with xz"},
+                   {"\x28\xB5\x2F\xFD", "compressed with zstd"},
+                   {"PK\x03\x04", "a zip archive"},
+                   {"\xFF\xFE", "text in UTF-16"},
+                   {"\xFE\xFF", "text in UTF-16"},
+                   {"LASF", "a LAS file"},
+                   {"ASTM-E57", "an E57 file"},
+                   {"# .PCD", "a PCD file"},
+                   {"# vtk DataFile", "a VTK file"},
+                   {"<", "XML"},
+                   {"\x93NUMPY", "a NumPy array"},
+                   {"\x89HDF", "an HDF5 file"},
+                   {"solid", "an STL file"}};
+    if (beginsWith(content, "\x1F\x8B")) {
+        throw InputError(fileName,
+                         "compressed with gzip: gunzip -c FILE | varn3d - reads it, with "
+                         "--format NAME if it is OBJ or .node");
+    }
+    for (const auto& other : foreign) {
+        if (beginsWith(content, other.beginning)) {
+            throw InputError(fileName, std::string(other.name) + "; " + readableFormats);
+        }
+    }
 }
 
 PointFormat formatOf(std::string_view content, const std::string& fileName) {
-    if (endsIn(fileName, ".ply")) {
-        return PointFormat::ply;
-    }
-    for (const char* ending : {".xyz", ".txt", ".csv"}) {
-        if (endsIn(fileName, ending)) {
-            return PointFormat::text;
-        }
-    }
     std::string_view firstLine;
     LineCursor(content).next(firstLine);
-    return trimmed(firstLine) == "ply" ? PointFormat::ply : PointFormat::text;
+    if (trimmed(firstLine) == "ply") {
+        return PointFormat::ply;
+    }
+    if (OffReader::isFirstLine(firstLine)) {
+        return PointFormat::off;
+    }
+    const std::pair<const char*, PointFormat> endings[] = {{".ply", PointFormat::ply},
+                                                           {".obj", PointFormat::obj},
+                                                           {".off", PointFormat::off},
+                                                           {".node", PointFormat::node}};
+    for (const auto& [ending, format] : endings) {
+        if (endsIn(fileName, ending)) {
+            return format;
+        }
+    }
+    return PointFormat::text;
+}
+
+std::unique_ptr<PointReader> makeReader(std::string_view content, const std::string& fileName,
+                                        PointFormat format, const ReadingOptions& options) {
+    switch (format) {
+        case PointFormat::ply:
+            return std::make_unique<PlyReader>(content, fileName, options);
+        case PointFormat::obj:
+            return std::make_unique<ObjReader>(content, fileName, options);
+        case PointFormat::off:
+            return std::make_unique<OffReader>(content, fileName, options);
+        case PointFormat::node:
+            return std::make_unique<NodeReader>(content, fileName, options);
+        case PointFormat::text:
+        case PointFormat::automatic:
+            break;
+    }
+    return std::make_unique<TextReader>(content, fileName, options);
 }
 
 std::string readAll(std::FILE* file, const std::string& name) {
@@ -65,23 +123,26 @@ std::string readContent(const std::string& fileName, const std::string& displayN
 
 }  // namespace
 
-std::vector<VARN3D::Point3> readPointFile(const std::string& fileName, PointFormat format) {
+PointSet readPointFile(const std::string& fileName, const ReadingOptions& options) {
     const std::string displayName = fileName == "-" ? "standard input" : fileName;
-    return parsePoints(readContent(fileName, displayName), displayName, format);
+    return parsePoints(readContent(fileName, displayName), displayName, options);
 }
 
-std::vector<VARN3D::Point3> parsePoints(std::string_view content, const std::string& fileName,
-                                        PointFormat format) {
+PointSet parsePoints(std::string_view content, const std::string& fileName,
+                     const ReadingOptions& options) {
+    PointFormat format = options.format;
+    refuseForeign(content, fileName);
     if (format == PointFormat::automatic) {
         format = formatOf(content, fileName);
     }
-    std::vector<VARN3D::Point3> points = format == PointFormat::ply
-                                             ? PlyReader(content, fileName).read()
-                                             : TextReader(content, fileName).read();
-    if (points.empty()) {
+    if (options.columns && format != PointFormat::text) {
+        throw InputError(fileName, "--columns is for text only");
+    }
+    PointSet set = makeReader(content, fileName, format, options)->read();
+    if (set.points.empty()) {
         throw InputError(fileName, "no points");
     }
-    return points;
+    return set;
 }
 
 }  // namespace tool

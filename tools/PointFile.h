@@ -1,21 +1,20 @@
 #pragma once
 
-#include <dt3Library/Varn_3D.h>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "PointSet.h"
+#include "ReadingOptions.h"
 
 namespace tool {
 
-enum class PointFormat { automatic, text, ply };
-
-/// Reads the points of a file; "-" is standard input. The automatic format goes by the name's
-/// ending (.xyz, .txt, .csv, .ply), and by the first line where that says nothing.
+/// Reads the points of a file; "-" is standard input. The automatic format goes by what can't be
+/// anything else at the file's beginning, then by the name's ending; what neither tells is text.
 /// Throws InputError when the file can't be read, is malformed or holds no point.
-std::vector<VARN3D::Point3> readPointFile(const std::string& fileName, PointFormat format);
+PointSet readPointFile(const std::string& fileName, const ReadingOptions& options);
 
 /// The same for content that is in memory already; fileName names it in messages.
-std::vector<VARN3D::Point3> parsePoints(std::string_view content, const std::string& fileName,
-                                        PointFormat format);
+PointSet parsePoints(std::string_view content, const std::string& fileName,
+                     const ReadingOptions& options);
 
 }  // namespace tool

@@ -1,13 +1,18 @@
 #include "Progress.h"
 
+#include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "platform.h"
+#include "temporaryFiles.h"
 
 namespace tool {
 
-Progress::Progress() {
-    if (stderrIsTerminal()) {
+Progress::Progress(bool bQuiet) {
+    if (!bQuiet && stderrIsTerminal()) {
+        // Signals are the main thread's business.
+        const SignalBlock block;
         reporter = std::thread([this] { report(); });
     }
 }
@@ -23,9 +28,10 @@ Progress::~Progress() {
     }
 }
 
-void Progress::begin(const std::string& work) {
+void Progress::begin(const std::string& work, Share share) {
     const std::lock_guard<std::mutex> lock(mutex);
     currentWork = work;
+    currentShare = std::move(share);
     start = Clock::now();
 }
 
@@ -33,14 +39,14 @@ void Progress::end() {
     const std::lock_guard<std::mutex> lock(mutex);
     erase();
     currentWork.clear();
+    currentShare = {};
 }
 
 void Progress::report() {
     std::unique_lock<std::mutex> lock(mutex);
     while (!ended.wait_for(lock, std::chrono::milliseconds(250), [this] { return bEnded; })) {
-        const auto seconds =
-            std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - start).count();
-        const std::string line = currentWork + ", " + std::to_string(seconds) + " s";
+        const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+        const std::string line = lineAfter(seconds);
         if (seconds >= 1 && !currentWork.empty() && line != shown) {
             erase();
             std::fputs(line.c_str(), stderr);
@@ -48,6 +54,18 @@ void Progress::report() {
         }
     }
     erase();
+}
+
+std::string Progress::lineAfter(double seconds) const {
+    const double share = currentShare ? currentShare() : 0;
+    char text[64];
+    if (share > 0.001 && share <= 1) {
+        std::snprintf(text, sizeof text, ", %.0f %%, about %.0f s left", 100 * share,
+                      std::ceil(seconds * (1 - share) / share));
+    } else {
+        std::snprintf(text, sizeof text, ", %.0f s", std::floor(seconds));
+    }
+    return currentWork + text;
 }
 
 void Progress::erase() {

@@ -3,122 +3,197 @@
 #include <algorithm>
 
 #include "InputError.h"
+#include "readableFormats.h"
 
 namespace tool {
 
 namespace {
 
-/// Cuts a line into its columns, and keeps watch over what separates them.
-class ColumnCutter {
-  public:
-    explicit ColumnCutter(std::string_view line) : rest(trimmed(line)), bMore(!rest.empty()) {}
-
-    bool next(std::string_view& column) {
-        if (!bMore) {
-            return false;
-        }
-        std::size_t length = 0;
-        while (length < rest.size() && rest[length] != ',' && !isBlank(rest[length])) {
-            ++length;
-        }
-        column = rest.substr(0, length);
-        rest = trimmed(rest.substr(length));
-        bMore = !rest.empty();
-        if (bMore) {
-            const bool bComma = rest.front() == ',';
-            (bComma ? bCommas : bBlanks) = true;
-            rest = bComma ? trimmed(rest.substr(1)) : rest;
-        }
-        return true;
+std::string_view withoutComment(std::string_view line) {
+    if (trimmed(line).substr(0, 2) == "//") {
+        return {};
     }
-
-    bool separatorsAreMixed() const { return bCommas && bBlanks; }
-
-  private:
-    std::string_view rest;
-    bool bMore;
-    bool bCommas = false;
-    bool bBlanks = false;
-};
-
-/// 0, 1, 2 for the column names x, y, z; -1 for any other.
-int axisNamed(std::string_view name) {
-    if (name.size() == 3 && name.front() == '"' && name.back() == '"') {
-        name = name.substr(1, 1);
+    for (std::size_t at = line.find('#'); at != std::string_view::npos;
+         at = line.find('#', at + 1)) {
+        if (at == 0 || isBlank(line[at - 1])) {
+            return line.substr(0, at);
+        }
     }
-    const std::string_view axes = "xyzXYZ";
-    const std::size_t found = name.size() == 1 ? axes.find(name[0]) : std::string_view::npos;
-    return found == std::string_view::npos ? -1 : static_cast<int>(found % 3);
+    return line;
+}
+
+bool namesAxes(std::string_view line) {
+    return std::any_of(std::begin(allSeparators), std::end(allSeparators),
+                       [&](Separator separator) { return findAxes(line, separator).has_value(); });
+}
+
+/// Numbers that are refused for their size are numbers nevertheless.
+bool isNumber(std::string_view text) {
+    double ignored = 0;
+    const char* const problem = parseNumber(text, ignored);
+    return !problem || problem != std::string_view(" is not a number");
 }
 
 }  // namespace
 
-TextReader::TextReader(std::string_view content, const std::string& name)
-    : lines(content), fileName(name) {}
+PointSet TextReader::read() {
+    PointSet set;
+    std::string_view row = takeHead();
+    if (row.empty()) {
+        return set;
+    }
+    refuseAnythingElse(row);
+    layout = LayoutFinder(header, row, lines.lineNumber(), options.columns).find(fileName);
+    announceAttributes();
+    do {
+        if (promised && *promised == set.points.size()) {
+            fail("more than the " + std::to_string(*promised) + " points that line " +
+                 std::to_string(promisingLine) + " promises");
+        }
+        addRow(row, set);
+    } while (nextRow(row));
+    if (promised && *promised != set.points.size()) {
+        fail("the file ends after " + std::to_string(set.points.size()) + " of the " +
+             std::to_string(*promised) + " points that line " + std::to_string(promisingLine) +
+             " promises");
+    }
+    attributes.moveTo(set);
+    return set;
+}
 
-std::vector<VARN3D::Point3> TextReader::read() {
-    std::vector<VARN3D::Point3> points;
+bool TextReader::nextRow(std::string_view& row) {
     std::string_view line;
-    bool bFirst = true;
     while (lines.next(line)) {
-        line = trimmed(line.substr(0, line.find('#')));
-        if (line.empty()) {
-            continue;
+        tellShare();
+        row = withoutComment(line);
+        if (!trimmed(row).empty()) {
+            return true;
         }
-        if (!bFirst || !takeHeader(line)) {
-            points.push_back(parsePoint(line));
+        if (!bHeadTaken) {
+            noteHeaderIn(trimmed(line));
         }
-        bFirst = false;
     }
-    return points;
+    return false;
 }
 
-bool TextReader::takeHeader(std::string_view line) {
-    std::array<std::size_t, 3> found = {};
-    std::array<int, 3> timesNamed = {};
-    std::string_view name;
-    ColumnCutter cutter(line);
-    for (std::size_t column = 0; cutter.next(name); ++column) {
-        const int axis = axisNamed(name);
-        if (axis >= 0) {
-            found[static_cast<std::size_t>(axis)] = column;
-            ++timesNamed[static_cast<std::size_t>(axis)];
-        }
+void TextReader::noteHeaderIn(std::string_view comment) {
+    comment.remove_prefix(std::min(comment.find_first_not_of("#/"), comment.size()));
+    if (namesAxes(comment)) {
+        header = TextHeader{comment, lines.lineNumber(), true};
     }
-    if (timesNamed != std::array<int, 3>{1, 1, 1}) {
-        return false;
-    }
-    columns = found;
-    numColumns = *std::max_element(columns.begin(), columns.end()) + 1;
-    return true;
 }
 
-VARN3D::Point3 TextReader::parsePoint(std::string_view line) const {
-    double xyz[3] = {};
-    ColumnCutter cutter(line);
+std::string_view TextReader::takeHead() {
+    std::string_view row;
+    std::uint64_t count = 0;
+    if (!nextRow(row)) {
+        return {};
+    }
+    if (parseCount(trimmed(row), count)) {
+        promised = count;
+        promisingLine = lines.lineNumber();
+        row = takeRowAfterCount();
+    }
+    const bool bChosen =
+        options.columns && !LayoutFinder({}, row, lines.lineNumber(), options.columns).fits();
+    if (namesAxes(row) || bChosen) {
+        header = TextHeader{row, lines.lineNumber(), false};
+        row = nextRow(row) ? row : std::string_view();
+    }
+    bHeadTaken = true;
+    return row;
+}
+
+/// The line behind the count is a row, a header, or, in files of molecules, any text.
+std::string_view TextReader::takeRowAfterCount() {
+    const LineCursor behindCount = lines;
+    std::string_view row;
+    if (nextRow(row) &&
+        (namesAxes(row) || LayoutFinder(header, row, lines.lineNumber(), options.columns).fits())) {
+        return row;
+    }
+    lines = behindCount;
+    return takeFirstAtom();
+}
+
+std::string_view TextReader::takeFirstAtom() {
     std::string_view text;
-    std::size_t column = 0;
-    for (; column < numColumns && cutter.next(text); ++column) {
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            if (columns[axis] != column) {
-                continue;
-            }
-            if (const char* problem = parseNumber(text, xyz[axis])) {
-                fail(quoted(text) + problem);
-            }
-        }
+    std::string_view row;
+    lines.next(text);
+    bHeadTaken = true;
+    if (!nextRow(row)) {
+        return {};
     }
-    if (cutter.separatorsAreMixed()) {
-        fail("commas and blanks both separate numbers");
+    cut(row, Separator::blanks, columns);
+    if (options.columns || columns.size() < 4) {
+        return row;
     }
-    if (column < numColumns) {
-        fail("only " + std::to_string(column) + " of " + std::to_string(numColumns) + " columns");
+    if (isNumber(columns[0])) {
+        fail("columns 1, 2, 3, or 2, 3, 4 behind an element's number? --columns tells which");
     }
-    return {xyz[0], xyz[1], xyz[2]};
+    bAtoms = true;
+    options.columns = AxisColumns{1, 2, 3};
+    return row;
 }
 
-void TextReader::fail(const std::string& problem) const {
-    throw InputError(fileName, lines.lineNumber(), problem);
+/// Whether the row and the one after it may be the beginning of a .node file: a line of counts, and
+/// points that are numbered from 0 or 1.
+bool TextReader::isNumberedLikeNodes(std::string_view row) const {
+    std::uint64_t counts[4] = {};
+    for (std::uint64_t& count : counts) {
+        if (!parseCount(takeWord(row), count)) {
+            return false;
+        }
+    }
+    LineCursor behind = lines;
+    std::string_view next;
+    while (trimmed(next).empty() && behind.next(next)) {
+        next = withoutComment(next);
+    }
+    std::vector<std::string_view> words;
+    cut(next, Separator::blanks, words);
+    return trimmed(row).empty() && (counts[1] == 2 || counts[1] == 3) && counts[3] <= 1 &&
+           words.size() == 1 + counts[1] + counts[2] + counts[3] &&
+           (words[0] == "0" || words[0] == "1");
+}
+
+void TextReader::refuseAnythingElse(std::string_view row) const {
+    if (options.format == PointFormat::automatic && !options.columns && isNumberedLikeNodes(row)) {
+        fail(
+            "this looks like TetGen's .node, whose points are in columns 2, 3, 4 from the next "
+            "line on: --format node takes those, --format xyz columns 1, 2, 3 from here on");
+    }
+    bool bNumberFirst = false;
+    for (const Separator separator : allSeparators) {
+        std::vector<std::string_view> words;
+        cut(row, separator, words);
+        bNumberFirst = bNumberFirst || words[0].empty() || isNumber(words[0]);
+    }
+    if (!bNumberFirst && !header && !options.columns) {
+        fail(quoted(trimmed(row)) +
+             " is neither a point nor names columns x, y and z (--columns tells which to take); " +
+             readableFormats);
+    }
+}
+
+void TextReader::announceAttributes() {
+    for (std::size_t i = bAtoms ? 1 : 0; options.bAttributes && i < layout.numColumns; ++i) {
+        if (std::find(layout.axes.begin(), layout.axes.end(), i) == layout.axes.end()) {
+            const bool bNamed = i < layout.names.size() && !layout.names[i].empty();
+            attributes.add(i, bNamed ? layout.names[i] : "column" + std::to_string(i + 1));
+        }
+    }
+}
+
+void TextReader::addRow(std::string_view row, PointSet& set) {
+    std::array<double, 3> xyz = {};
+    cut(row, layout.separator, columns);
+    const std::string problem = layout.parse(columns, xyz);
+    if (!problem.empty()) {
+        fail(problem);
+    }
+    set.points.emplace_back(xyz[0], xyz[1], xyz[2]);
+    attributes.take(columns);
 }
 
 }  // namespace tool

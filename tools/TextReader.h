@@ -1,39 +1,50 @@
 #pragma once
 
-#include <dt3Library/Varn_3D.h>
-#include <array>
-#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "parsing.h"
+#include "AttributeColumns.h"
+#include "LayoutFinder.h"
+#include "PointReader.h"
 
 namespace tool {
 
-/// Reads points from text: one point a line, its three numbers separated by blanks or by commas.
+/// Reads points from text: one point a line, in columns that LayoutFinder makes out.
 ///
-/// "#" begins a comment, empty lines are skipped, columns after the third are ignored. A first line
-/// that names columns x, y and z (in either case, perhaps in quotes) says which columns to take.
-/// Commas and blanks that separate the numbers of one line in turn are refused: they are how
-/// decimal commas look.
-class TextReader {
+/// "#" at the beginning of a line or after a blank begins a comment, and so does "//" at the
+/// beginning of a line; empty lines are skipped. The first line, or a comment before it, may name
+/// the columns. A first line with a single whole number tells how many points follow (.pts); in
+/// files of molecules (.xyz) a line of text comes after it, and each point after an element.
+class TextReader : public PointReader {
   public:
-    TextReader(std::string_view content, const std::string& fileName);
+    using PointReader::PointReader;
 
-    /// All points, in the order of the file. Throws InputError naming the file and the line.
-    std::vector<VARN3D::Point3> read();
+    PointSet read() override;
 
   private:
-    bool takeHeader(std::string_view line);
-    VARN3D::Point3 parsePoint(std::string_view line) const;
-    [[noreturn]] void fail(const std::string& problem) const;
+    bool nextRow(std::string_view& row);
+    void noteHeaderIn(std::string_view comment);
+    /// Takes everything up to the first row.
+    std::string_view takeHead();
+    std::string_view takeRowAfterCount();
+    std::string_view takeFirstAtom();
+    bool isNumberedLikeNodes(std::string_view row) const;
+    void refuseAnythingElse(std::string_view row) const;
+    void addRow(std::string_view row, PointSet& set);
+    void announceAttributes();
 
-    LineCursor lines;
-    std::string fileName;
-    /// The columns of x, y and z.
-    std::array<std::size_t, 3> columns = {0, 1, 2};
-    std::size_t numColumns = 3;
+    std::optional<TextHeader> header;
+    bool bHeadTaken = false;
+    std::optional<std::uint64_t> promised;
+    std::uint64_t promisingLine = 0;
+    /// Whether each line begins with an element.
+    bool bAtoms = false;
+    TextLayout layout;
+    AttributeColumns attributes;
+    std::vector<std::string_view> columns;
 };
 
 }  // namespace tool

@@ -36,6 +36,11 @@ bool LineCursor::next(std::string_view& line) {
     return true;
 }
 
+double LineCursor::share() const {
+    return static_cast<double>(position) /
+           static_cast<double>(std::max<std::size_t>(1, content.size()));
+}
+
 bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\v' || c == '\f';
 }
@@ -58,21 +63,43 @@ std::string_view takeWord(std::string_view& text) {
     return word;
 }
 
+bool endsIn(std::string_view name, std::string_view ending) {
+    return name.size() > ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), name.rbegin(), [](char e, char n) {
+               return e == (n >= 'A' && n <= 'Z' ? n - 'A' + 'a' : n);
+           });
+}
+
+namespace {
+
+/// The standard's conversion takes a minus but no plus.
+std::from_chars_result convert(std::string_view text, double& value) {
+    const bool bPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    return std::from_chars(text.data() + (bPlus ? 1 : 0), text.data() + text.size(), value);
+}
+
+}  // namespace
+
 const char* parseNumber(std::string_view text, double& value) {
-    const char* begin = text.data();
-    const char* const end = begin + text.size();
-    // The standard's conversion takes a minus but no plus.
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
-        ++begin;
-    }
-    const auto result = std::from_chars(begin, end, value);
-    if (result.ec == std::errc::invalid_argument || result.ptr != end) {
+    const auto result = convert(text, value);
+    if (result.ec == std::errc::invalid_argument || result.ptr != text.data() + text.size()) {
         return " is not a number";
     }
     if (result.ec == std::errc::result_out_of_range) {
         return " is out of the range of a double";
     }
     return std::isfinite(value) ? nullptr : " is not finite";
+}
+
+bool parseAnyNumber(std::string_view text, double& value) {
+    const auto result = convert(text, value);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+bool parseCount(std::string_view text, std::uint64_t& count) {
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, count);
+    return result.ec == std::errc() && result.ptr == end;
 }
 
 }  // namespace tool

@@ -1,4 +1,5 @@
 #include <dt3Library/Varn_3D.h>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "Adjacency.h"
 #include "IndexedMesh.h"
 #include "InputError.h"
 #include "LibraryMessages.h"
@@ -20,8 +22,12 @@
 #include "OutputFile.h"
 #include "PointFile.h"
 #include "Progress.h"
+#include "hullWriters.h"
 #include "meshWriters.h"
+#include "parsing.h"
 #include "platform.h"
+#include "tetgenWriters.h"
+#include "vtkWriters.h"
 
 using VARN3D::Point3;
 using VARN3D::Tet3;
@@ -42,20 +48,24 @@ class CoplanarInput : public InputError {
 /// The main job: from a file of points to a summary and the files that were asked for.
 class Program {
   public:
-    explicit Program(Options programOptions) : options(std::move(programOptions)) {}
+    explicit Program(Options programOptions)
+        : options(std::move(programOptions)), progress(options.bQuiet) {}
 
     ExitCode run();
 
   private:
+    void readPoints();
     void triangulate();
     void countHullFacets();
+    void check();
     void writeFiles();
+    void writeIndexedMesh();
     void writeGeomview();
     void printSummary() const;
 
     Options options;
     Progress progress;
-    std::vector<Point3> points;
+    PointSet input;
     std::size_t numPoints = 0;
     Varn_3D mesh;
     /// The vertex of each input point.
@@ -71,13 +81,7 @@ class Program {
 };
 
 ExitCode Program::run() {
-    progress.begin("reading " + (options.input == "-" ? "standard input" : options.input));
-    points = readPointFile(options.input, options.format);
-    numPoints = points.size();
-    if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
-        throw InputError(options.input, "more than 2147483647 points");
-    }
-    progress.begin("triangulating " + std::to_string(numPoints) + " points");
+    readPoints();
     triangulate();
     if (!mesh.is3D()) {
         throw CoplanarInput(options.input, "the points are coplanar: there is no tetrahedron (" +
@@ -85,11 +89,8 @@ ExitCode Program::run() {
                                                std::to_string(numVertices) + " distinct)");
     }
     if (options.bCheck) {
-        progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
-        const LibraryMessages messages;
-        bValid = mesh.checkValidity(options.input, true);
+        check();
     }
-    progress.begin("writing files");
     writeFiles();
     std::optional<MeshStatistics> statistics;
     if (options.bStatistics) {
@@ -97,7 +98,12 @@ ExitCode Program::run() {
         statistics.emplace(tets);
     }
     progress.end();
-    printSummary();
+    if (!options.bQuiet) {
+        printSummary();
+    }
+    if (!options.clipPlanes.empty() && numKept == 0) {
+        std::fputs("varn3d: no tetrahedron lies wholly on the side that --clip keeps\n", stderr);
+    }
     if (statistics) {
         statistics->print(stdout);
     }
@@ -107,10 +113,34 @@ ExitCode Program::run() {
     return bValid ? success : checkFailed;
 }
 
+void Program::readPoints() {
+    const auto share = std::make_shared<std::atomic<double>>(0);
+    ReadingOptions reading = options.reading;
+    reading.pShare = share.get();
+    progress.begin("reading " + (options.input == "-" ? "standard input" : options.input),
+                   [share] { return share->load(std::memory_order_relaxed); });
+    input = readPointFile(options.input, reading);
+    numPoints = input.points.size();
+    if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
+        throw InputError(options.input, "more than 2147483647 points");
+    }
+    for (const std::string& column : input.textColumns) {
+        std::fprintf(stderr, "varn3d: column %s doesn't hold numbers only: left out of %s\n",
+                     quoted(column).c_str(), options.vtk.c_str());
+    }
+}
+
 void Program::triangulate() {
+    // Points as if at random in space make 27 tetrahedra each on their way to the final mesh.
+    const double expected = 27.0 * static_cast<double>(numPoints);
+    const std::int32_t before = Tet3::runningLabel;
+    progress.begin("triangulating " + std::to_string(numPoints) + " points", [=] {
+        const auto numMade = static_cast<std::uint32_t>(Tet3::runningLabel - before);
+        return static_cast<double>(numMade) / expected;
+    });
     const LibraryMessages messages;
     const auto start = std::chrono::steady_clock::now();
-    mesh.insert(points, vertexOfPoint);
+    mesh.insert(input.points, vertexOfPoint);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     std::vector<Point3*> vertices;
     mesh.getVertices(vertices);
@@ -127,35 +157,69 @@ void Program::countHullFacets() {
     }
 }
 
+void Program::check() {
+    progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
+    const LibraryMessages messages;
+    bValid = mesh.checkValidity(options.input, true);
+}
+
 void Program::writeFiles() {
     if (!options.geomview.empty()) {
         writeGeomview();
     }
-    if (options.needsIndexedMesh()) {
-        IndexedMesh indexed(std::move(points), vertexOfPoint, tets);
-        for (const ClipPlane& plane : options.clipPlanes) {
-            indexed.clip(plane);
-        }
-        numKept = indexed.tetrahedra.size();
-        const std::pair<const std::string&, void (*)(const IndexedMesh&, OutputFile&)> writers[] = {
-            {options.vtk, writeVtk},
-            {options.medit, writeMedit},
-            {options.tetgenNodes, writeTetgenNodes},
-            {options.tetgenElements, writeTetgenElements},
-            {options.duplicates, writeDuplicates}};
-        for (const auto& [name, write] : writers) {
-            if (!name.empty()) {
-                write(indexed, files.emplace_back(name));
-                files.back().close();
-            }
-        }
+    if (!(options.vtk.empty() && options.medit.empty() && options.tetgen.empty() &&
+          options.hull.empty() && options.duplicates.empty())) {
+        writeIndexedMesh();
     }
     for (OutputFile& file : files) {
         file.commit();
     }
 }
 
+void Program::writeIndexedMesh() {
+    progress.begin("sorting " + std::to_string(tets.size()) + " tetrahedra");
+    IndexedMesh indexed(std::move(input), vertexOfPoint, tets);
+    for (const ClipPlane& plane : options.clipPlanes) {
+        indexed.clip(plane);
+    }
+    numKept = indexed.tetrahedra.size();
+    const bool bXml = endsIn(options.vtk, ".vtu");
+    const bool bObj = endsIn(options.hull, ".obj");
+    const auto write = [&](const std::string& name, const auto& writer) {
+        progress.begin("writing " + name);
+        writer(indexed, files.emplace_back(name));
+        files.back().close();
+    };
+    if (!options.vtk.empty()) {
+        write(options.vtk, bXml ? writeVtu : options.bAscii ? writeVtkAscii : writeVtkBinary);
+    }
+    if (!options.hull.empty()) {
+        write(options.hull, bObj             ? writeHullObj
+                            : options.bAscii ? writeHullPlyAscii
+                                             : writeHullPlyBinary);
+    }
+    if (!options.medit.empty()) {
+        write(options.medit, writeMedit);
+    }
+    if (!options.tetgen.empty()) {
+        write(options.tetgen + ".node", writeTetgenNodes);
+        write(options.tetgen + ".ele", writeTetgenElements);
+        progress.begin("linking " + std::to_string(numKept) + " tetrahedra");
+        const Adjacency adjacency(indexed.tetrahedra);
+        write(options.tetgen + ".face", [&](const IndexedMesh& kept, OutputFile& file) {
+            writeTetgenFaces(kept, adjacency, file);
+        });
+        write(options.tetgen + ".neigh", [&](const IndexedMesh&, OutputFile& file) {
+            writeTetgenNeighbours(adjacency, file);
+        });
+    }
+    if (!options.duplicates.empty()) {
+        write(options.duplicates, writeDuplicates);
+    }
+}
+
 void Program::writeGeomview() {
+    progress.begin("writing " + options.geomview);
     OutputFile& file = files.emplace_back(options.geomview);
     file.close();
     {

@@ -9,6 +9,10 @@
 #include <map>
 #include <vector>
 
+#if VARN3D_VERSION < 9900 || VARN3D_VERSION_MAJOR > 0
+#error "Not the version that this host is written for"
+#endif
+
 int main() {
     std::uint32_t state = 1;
     const auto coordinate = [&state] {
