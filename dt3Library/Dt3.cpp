@@ -137,17 +137,6 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     return insertLocated(pVtx, pCurTet, located);
 }
 
-void Dt3::beginCavity(Point3* pVtx) {
-    if (cavity.isOutOfNumbers()) {
-        std::vector<Point3*> vVertices;
-        store.getVertices(vVertices);
-        for (Point3* vertex : vVertices)
-            MeshAccess::cavityNumber(vertex) = MeshAccess::NO_CAVITY_NUMBER;
-        cavity.restartNumbers();
-    }
-    cavity.begin(pVtx);
-}
-
 /// Inserts a vertex that has been located in (or beyond a facet of) pCurTet.
 Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
     engineCheck(locateResult != LOCATION_STOPPED, "locateResult!=-99", 802);
@@ -162,8 +151,7 @@ Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
         engineCheck(!MeshAccess::visited(pRet), "!pRet->hasBeenVisited", 818);
     } else {
         engineCheck(locateResult == LOCATED_INSIDE, "locateResult==-1", 824);
-        beginCavity(pVtx);
-        pRet = cavity.refillFrom(pCurTet);
+        pRet = cavity.insertInside(pVtx, pCurTet);
     }
     pRecentTet = pRet;
     return pRet;
@@ -423,20 +411,8 @@ Tet3* Dt3::insertOutsideHull(Point3* pVtx, Tet3* pCurTet, int opp3ICI) {
     engineCheck(pCurTet != nullptr, "pCurTet!=0", 1201);
     engineCheck(opp3ICI > -1, "opp3ICI>-1", 1202);
     VARN3D_COUNT(hullInsertions, 1);
-    beginCavity(pVtx);
     collectVisibleHullTets(pVtx, pCurTet, opp3ICI);
-    vStaying.clear();
-    vDoomed.clear();
-    cavity.grow(vVisible, vStaying, vDoomed);
-    Tet3* pNewTet1 = cavity.fanOverHull(vStaying);
-    if (!vDoomed.empty()) {
-        Tet3* pNewTet2 = cavity.retetrahedralise(vDoomed);
-        if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
-    }
-    // What finds no partner is the facets between the new vertex and the horizon: the new hull.
-    cavity.glue();
-    engineCheck(pNewTet1 != nullptr, "pNewTet1!=0", 1225);
-    return pNewTet1;
+    return cavity.insertOutside(pVtx, vVisible);
 }
 
 /// Gathers in vVisible, each once, the tetrahedra with a hull facet that the point sees, starting

@@ -89,7 +89,6 @@ class Dt3 {
 
     // Insertion steps
     Tet3* startTetNear(const Point3& point);
-    void beginCavity(Point3* pVtx);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
     Tet3* insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const;
 
@@ -129,8 +128,6 @@ class Dt3 {
 
     // Lists of one insertion outside the hull, kept for their memory.
     std::vector<Tet3*> vVisible;
-    std::vector<Tet3*> vStaying;
-    std::vector<Tet3*> vDoomed;
     std::vector<HullEdge> hullEdges;
     HullTurns hullTurns;
     PointerPairSet seenEdges;

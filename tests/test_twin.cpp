@@ -2,9 +2,7 @@
 
 #include <map>
 #include <ostream>
-#include <random>
 
-#include "dt3Library/Cavity.h"
 #include "dt3Library/Varn_3D.h"
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
@@ -155,55 +153,6 @@ TEST(Twin, repeatedAndMixedLatticeInsertions) {
         twins.batch(lattice(30, 6, 5, 4, seed + 100));
         twins.singles(lattice(20, 7, 5, 3, seed + 150));
         twins.expectSameMesh();
-    }
-}
-
-TEST(Twin, portableKernelHasTheSameLabels) {
-    Cavity::bPortableKernel = true;
-    Twins general;
-    general.batch(uniform(3000, 31));
-    general.expectSameLabels();
-    Twins degenerate;
-    degenerate.batch(lattice(400, 6, 6, 6, 32));
-    degenerate.expectSameLabels();
-}
-
-// The limit makes every few insertions start over with the vertices' numbers, inside the hull and
-// outside it.
-TEST(Twin, numbersThatRunOutAreUsedAgain) {
-    Cavity::lastFirstNumber = 100;
-    Twins general;
-    general.batch(uniform(3000, 41));
-    general.expectSameLabels();
-    Twins degenerate;
-    degenerate.batch(lattice(100, 4, 4, 4, 42));
-    degenerate.singles(lattice(100, 6, 6, 6, 43));
-    degenerate.expectSameMesh();
-}
-
-// On small integers nothing is rounded, so that all kernels must yield the same numbers.
-TEST(Kernels, agreeOnIntegers) {
-    std::mt19937 random(5);
-    std::uniform_int_distribution<int> coordinate(-60, 60);
-    const auto randomRow = [&] {
-        const double x = coordinate(random);
-        const double y = coordinate(random);
-        const double z = coordinate(random);
-        return SphereRow{x, y, z, x * x + y * y + z * z};
-    };
-    for (int round = 0; round < 1000; ++round) {
-        SphereRow rows[8];
-        for (SphereRow& row : rows) row = randomRow();
-        const SphereRow* const corner[4] = {rows, rows + 1, rows + 2, rows + 3};
-        const SphereRow* const beyond[4] = {rows + 4, rows + 5, rows + 6, rows + 7};
-        FacetSphereTests expected;
-        testFacetsOneByOne(corner, beyond, 15U, expected);
-        FacetSphereTests found;
-        fastestFacetSphereKernel()(corner, beyond, 15U, found);
-        for (int i = 0; i < 4; ++i) {
-            ASSERT_EQ(found.conflict[i], expected.conflict[i]) << i;
-            ASSERT_EQ(found.orientation[i], expected.orientation[i]) << i;
-        }
     }
 }
 

@@ -214,17 +214,16 @@ int PlainEngine::insertVertex(int p, int start) {
 
 int PlainEngine::insertInside(int p, int start) {
     int last = NONE;
-    std::vector<int> stack = {start};
+    std::vector<int> doomed = {start};
     doom(start);
-    while (!stack.empty()) {
-        const int current = stack.back();
-        stack.pop_back();
+    for (std::size_t k = 0; k < doomed.size(); ++k) {
+        const int current = doomed[k];
         for (int i = 3; i >= 0; --i) {
             const int outer = neighbour(current, i);
             if (outer != NONE && isDoomed(outer)) continue;
             if (outer != NONE && isInConflict(outer, p)) {
                 doom(outer);
-                stack.push_back(outer);
+                doomed.push_back(outer);
                 continue;
             }
             last = createOn(INNER[i], p, current, outer);
@@ -242,35 +241,30 @@ int PlainEngine::insertOutside(int p, int hullTet, int facet) {
         (bConflict ? doomed : staying).push_back(seed);
         if (bConflict) doom(seed);
     }
-    std::vector<int> stack = doomed;
-    while (!stack.empty()) {
-        const int current = stack.back();
-        stack.pop_back();
-        for (int i = 0; i < 4; ++i) {
-            const int next = neighbour(current, i);
+    for (std::size_t k = 0; k < doomed.size(); ++k) {
+        for (int i = 3; i >= 0; --i) {
+            const int next = neighbour(doomed[k], i);
             if (next == NONE || isDoomed(next) || !isInConflict(next, p)) continue;
             doom(next);
             doomed.push_back(next);
-            stack.push_back(next);
         }
     }
-    int lastOnHull = NONE;
-    for (const int t : staying)
-        for (int i = 0; i < 4; ++i) {
-            if (neighbour(t, i) != NONE || side(t, i, p) != ORIENTATION3_NEGATIVE) continue;
-            lastOnHull = createOn(OUTER[i], p, t, NONE);
-            link({lastOnHull, 0}, {t, i});
-        }
-    int lastInside = NONE;
+    int last = NONE;
     for (const int t : doomed)
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 3; i >= 0; --i) {
             const int outer = neighbour(t, i);
             if (side(t, i, p) != ORIENTATION3_POSITIVE) continue;
             if (outer != NONE && isDoomed(outer)) continue;
-            lastInside = createOn(INNER[i], p, t, outer);
+            last = createOn(INNER[i], p, t, outer);
+        }
+    for (const int t : staying)
+        for (int i = 0; i < 4; ++i) {
+            if (neighbour(t, i) != NONE || side(t, i, p) != ORIENTATION3_NEGATIVE) continue;
+            last = createOn(OUTER[i], p, t, NONE);
+            link({last, 0}, {t, i});
         }
     unglued.clear();  // the new hull
-    return lastOnHull != NONE ? lastOnHull : lastInside;
+    return last;
 }
 
 // ---- Location ----------------------------------------------------------------------------------
