@@ -174,17 +174,19 @@ inline void Cavity::doom(Tet3* tet) {
     for (int i = 0; i < 4; ++i) prefetchRecord(MeshAccess::neighbour(tet, i));
 }
 
+/// Prefetches the vertices beyond the facets of a doomed tetrahedron, from neighbours that were
+/// prefetched when it was doomed.
+inline void prefetchBeyond(const Tet3* tet) {
+    for (int i = 0; i < 4; ++i) {
+        const Tet3* outer = MeshAccess::neighbour(tet, i);
+        if (outer != nullptr)
+            prefetchRecord(MeshAccess::corner(outer, MeshAccess::indexOfNeighbour(outer, tet)));
+    }
+}
+
 void Cavity::growRegion() {
     for (std::size_t i = 0; i < region.size(); ++i) {
-        if (i + 2 < region.size()) {
-            const Tet3* tet = region[i + 2];
-            for (int k = 0; k < 4; ++k) {
-                const Tet3* outer = MeshAccess::neighbour(tet, k);
-                if (outer != nullptr)
-                    prefetchRecord(
-                        MeshAccess::corner(outer, MeshAccess::indexOfNeighbour(outer, tet)));
-            }
-        }
+        if (i + 2 < region.size()) prefetchBeyond(region[i + 2]);
         visitNeighbours(region[i]);
     }
 }

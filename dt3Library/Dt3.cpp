@@ -12,7 +12,6 @@
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Profile.h"
 #include "dt3Library/Visualizer3.h"
-#include "dt3Library/WalkStarts.h"
 
 namespace VARN3D {
 
@@ -114,20 +113,19 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
         return;
     }
     InsertionOrder order(vVertices.size());
-    WalkStarts starts;
+    // Amid many vertices that were there before, some of those are nearer than the last one of a
+    // small batch.
+    bool bStartsFromStore = vVertices.size() < store.getNumVertices() / 3;
     std::size_t numSteps = 0;
     std::size_t numInserted = 0;
-    std::size_t position;
-    for (; starts.isReady() ? starts.next(position) : order.next(position); ++numInserted) {
+    for (std::size_t position; order.next(position); ++numInserted) {
         Point3*& pVtx = vVertices[position];
-        if (starts.isReady()) pLastTet = starts.nearest(position, pLastTet);
+        if (bStartsFromStore) pLastTet = startTetNear(*pVtx);
         engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
         const int located = locateConflictTet(pVtx, pLastTet, numSteps);
-        if (!starts.isReady() && numSteps > 20 * numInserted + 4096) {
-            // The insertion order is no good guide through this batch.
-            starts.prepare(vVertices, order, store.getBbox());
-        }
         pLastTet = insertLocated(pVtx, pLastTet, located);
+        // Where walks grow long, the insertion order is no guide through this batch.
+        if (numSteps > 20 * numInserted + 4096) bStartsFromStore = true;
     }
 }
 
