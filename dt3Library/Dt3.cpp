@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 #include "dt3Library/EngineCheck.h"
@@ -46,6 +47,21 @@ void requireFinite(const Point3& point, std::size_t position, const char* who) {
     engineCheck(false, "std::isfinite", 70);
 }
 
+/// Sets a flag when an exception leaves its scope.
+class FailureNote {
+  public:
+    explicit FailureNote(bool& bTheFlag) : bFlag(bTheFlag) {}
+    ~FailureNote() {
+        if (std::uncaught_exceptions() > numBefore) bFlag = true;
+    }
+    FailureNote(const FailureNote&) = delete;
+    FailureNote& operator=(const FailureNote&) = delete;
+
+  private:
+    bool& bFlag;
+    const int numBefore = std::uncaught_exceptions();
+};
+
 }  // namespace
 
 Dt3::Dt3(Varn_3D* pTheOwner) : cavity(predicates, tets), pOwner(pTheOwner) {}
@@ -65,30 +81,33 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
     std::cout << "numPoints=" << n << std::endl;
     if (n == 0) return;
 
+    const FailureNote note(bFailed);
     std::vector<Point3*> vNew;
     {
         VARN3D_TIME(secondsStore);
         store.insert(vInputPoints, vUserHandles, vNew);
     }
+    takeInLeftOver(vNew);
     if (bFullDimensional) {
         triangulate(vNew, vNew.empty() ? pRecentTet : startTetNear(*vNew.front()));
-        return;
+    } else {
+        if (!spansSpace(vNew)) return;
+        Tet3* first = startUp();
+        if (first == nullptr) return;
+        // Earlier calls may have left vertices waiting, and some points may be equal; both at once
+        // can leave as many vertices as points.
+        if (vNew.size() != n || store.getNumVertices() != n) {
+            vNew.clear();
+            store.getVertices(vNew);
+        }
+        triangulate(vNew, first);
     }
-    if (!spansSpace(vNew)) return;
-    Tet3* first = startUp();
-    if (first == nullptr) return;
-    // Earlier calls may have left vertices waiting, and some points may be equal; both at once can
-    // leave as many vertices as points.
-    if (vNew.size() != n || store.getNumVertices() != n) {
-        vNew.clear();
-        store.getVertices(vNew);
-    }
-    triangulate(vNew, first);
+    bFailed = false;
 }
 
 Point3* Dt3::insert(const Point3& point) {
     requireFinite(point, 0, "Dt3::insert()");
-    const std::size_t numBefore = store.getNumVertices();
+    const FailureNote note(bFailed);
     auto [pVtx, pLastTet] = store.insertOne(point, bFullDimensional ? ENTRIES_SEARCHED : 0);
     if (bFullDimensional) {
         if (pLastTet == nullptr) pLastTet = pRecentTet;
@@ -97,13 +116,24 @@ Point3* Dt3::insert(const Point3& point) {
         insertVertex(slot, pLastTet);
         return pVtx;
     }
-    if (store.getNumVertices() == numBefore || !spansSpace({pVtx})) return pVtx;
+    if (!spansSpace({pVtx})) return pVtx;
     Tet3* first = startUp();
     if (first == nullptr || store.getNumVertices() <= 4) return pVtx;
     // Vertices that waited for the first tetrahedron go on waiting: only a batch takes them in.
     std::vector<Point3*> nothing;
     triangulate(nothing, first);
     return pVtx;
+}
+
+/// If an insertion has failed since the last complete batch, lists what it may have left waiting
+/// as new as well.
+void Dt3::takeInLeftOver(std::vector<Point3*>& vNew) const {
+    if (!bFailed) return;
+    std::vector<Point3*> vVertices;
+    store.getVertices(vVertices);
+    vNew.clear();
+    for (Point3* vertex : vVertices)
+        if (vertex->getOneTet() == nullptr) vNew.push_back(vertex);
 }
 
 void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {

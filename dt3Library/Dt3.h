@@ -29,8 +29,12 @@ class Varn_3D;
 ///
 /// There are no infinite tetrahedra. Vertices live as long as the engine; tetrahedra until an
 /// insertion dooms them. Not thread-safe: one engine is used by one thread at a time; engines in
-/// different threads don't disturb each other. After an exception from an insertion the engine can
-/// only be destroyed; its vertices can still be read.
+/// different threads don't disturb each other.
+///
+/// Where memory runs out in an insertion, the mesh is what the vertices inserted before have made
+/// it, and the engine can be used on: the vertices that were not reached may be stored and wait.
+/// Each is taken in when it is inserted again, and all are by the next batch. After a failed check
+/// in an insertion the engine can only be destroyed; its vertices can still be read.
 class Dt3 {
   public:
     /// Location results besides the facet indices 0 to 3.
@@ -88,6 +92,7 @@ class Dt3 {
     bool spansSpace(const std::vector<Point3*>& vNew);
 
     // Insertion steps
+    void takeInLeftOver(std::vector<Point3*>& vNew) const;
     Tet3* startTetNear(const Point3& point);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
     Tet3* insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const;
@@ -123,6 +128,8 @@ class Dt3 {
     AffineSpan span;
     Varn_3D* pOwner;
     bool bVerbose = false;
+    /// Whether an insertion has failed and no batch has come to its end since.
+    bool bFailed = false;
     /// A tetrahedron of the mesh: where the last insertion ended.
     Tet3* pRecentTet = nullptr;
 
