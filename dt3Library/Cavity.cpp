@@ -1,7 +1,6 @@
 #include "dt3Library/Cavity.h"
 
 #include <cmath>
-#include <cstdint>
 #include <iomanip>
 #include <iostream>
 #include <limits>
@@ -20,353 +19,260 @@ constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 /// The same seen from outside.
 constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
-constexpr std::uint8_t HIGHEST_BIT[16] = {0, 0, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 3, 3};
-
-inline std::uintptr_t addressOf(const Point3* p) {
-    return reinterpret_cast<std::uintptr_t>(p);
+inline double larger(double a, double b) {
+    return a < b ? b : a;
 }
 
-/// All corners' addresses in one: taking three of them out leaves the fourth.
-inline std::uintptr_t mixedCorners(const Tet3* tet) {
-    return addressOf(MeshAccess::corner(tet, 0)) ^ addressOf(MeshAccess::corner(tet, 1)) ^
-           addressOf(MeshAccess::corner(tet, 2)) ^ addressOf(MeshAccess::corner(tet, 3));
+/// A vertex seen from the new one: its row in the sphere test's determinant.
+struct Row {
+    Row(const Point3* vertex, const Point3* p)
+        : x(vertex->x() - p->x()),
+          y(vertex->y() - p->y()),
+          z(vertex->z() - p->z()),
+          lift(x * x + y * y + z * z) {}
+
+    double x, y, z;
+    double lift;  ///< the squared length of (x, y, z)
+};
+
+/// The largest components of some rows in size.
+struct Extent {
+    void add(const Row& row) {
+        x = larger(x, std::fabs(row.x));
+        y = larger(y, std::fabs(row.y));
+        z = larger(z, std::fabs(row.z));
+        lift = larger(lift, row.lift);
+    }
+
+    double x = 0.0, y = 0.0, z = 0.0, lift = 0.0;
+};
+
+/// The determinant of a facet seen from the new vertex: negative where that lies on the side from
+/// which a, b, c run counter-clockwise.
+inline double orientationOf(const Row& a, const Row& b, const Row& c) {
+    return a.z * (b.x * c.y - c.x * b.y) - b.z * (a.x * c.y - c.x * a.y) +
+           c.z * (a.x * b.y - b.x * a.y);
+}
+
+/// The determinant of a sphere test: negative where the new vertex lies inside the sphere.
+inline double sphereTest(const Row& a, const Row& b, const Row& c, const Row& d) {
+    const double ab = a.x * b.y - b.x * a.y;
+    const double bc = b.x * c.y - c.x * b.y;
+    const double cd = c.x * d.y - d.x * c.y;
+    const double da = d.x * a.y - a.x * d.y;
+    const double ac = a.x * c.y - c.x * a.y;
+    const double bd = b.x * d.y - d.x * b.y;
+    const double abc = a.z * bc - b.z * ac + c.z * ab;
+    const double bcd = b.z * cd - c.z * bd + d.z * bc;
+    const double cda = c.z * da + d.z * ac + a.z * cd;
+    const double dab = d.z * ab + a.z * bd + b.z * da;
+    return (d.lift * abc - c.lift * dab) + (b.lift * cda - a.lift * bcd);
+}
+
+/// Bounds the rounding of sphereTest: the determinant is Shewchuk's first stage, so his bound holds
+/// with each of the permanent's 24 terms replaced by the product of the largest components.
+/// Differences too large for that leave everything to the predicates.
+double sphereBound(const Extent& extent, const GeomTest3& predicates) {
+    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
+    const double bound = 32.0 * predicates.getConstants().isperrboundA *
+                             (extent.x * extent.y * extent.z) * extent.lift +
+                         GeomTest3::UNDERFLOW_GUARD;
+    return extent.lift < MAX_LIFT ? bound : std::numeric_limits<double>::infinity();
+}
+
+/// The same for orientationOf.
+double orientationBound(const Extent& extent, const GeomTest3& predicates) {
+    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
+    return extent.lift < MAX_LIFT ? predicates.getOrientationBound(extent.x, extent.y, extent.z)
+                                  : std::numeric_limits<double>::infinity();
 }
 
 }  // namespace
 
+/// A tetrahedron seen from the new vertex.
+struct Cavity::View {
+    View(const Tet3* aTet, const Point3* p)
+        : tet(aTet),
+          rows{{MeshAccess::corner(tet, 0), p},
+               {MeshAccess::corner(tet, 1), p},
+               {MeshAccess::corner(tet, 2), p},
+               {MeshAccess::corner(tet, 3), p}} {
+        for (const Row& row : rows) extent.add(row);
+    }
+
+    const Tet3* tet;
+    Row rows[4];
+    Extent extent;
+};
+
 Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
-    : predicates(geomTest),
-      tets(recycler),
-      evaluateFacets(bPortableKernel ? testFacetsOneByOne : fastestFacetSphereKernel()) {
-    rows.resize(256);
-    vertices.resize(256);
-    boundary.resize(256);
-    stack.reserve(256);
-}
+    : predicates(geomTest), tets(recycler) {}
 
-void Cavity::begin(Point3* p) {
-    newVertex = p;
-    firstNumber += numRows;
-    numRows = 0;
-    maxX = maxY = maxZ = maxLift = 0.0;
-    tets.swapLists();
-}
+// ---- Insertion ---------------------------------------------------------------------------------
 
-// ---- Rows and bounds ---------------------------------------------------------------------------
-
-/// For a vertex that has not been met yet this is no number in use.
-inline std::uint32_t Cavity::numberIfMet(Point3* vertex) const {
-    return MeshAccess::cavityNumber(vertex) - firstNumber;
-}
-
-inline int Cavity::numberOf(Point3* vertex) {
-    const std::uint32_t number = numberIfMet(vertex);
-    return number < numRows ? static_cast<int>(number) : addRow(vertex);
-}
-
-int Cavity::addRow(Point3* vertex) {
-    const double x = vertex->x() - newVertex->x();
-    const double y = vertex->y() - newVertex->y();
-    const double z = vertex->z() - newVertex->z();
-    const double lift = x * x + y * y + z * z;
-    if (numRows == rows.size()) {
-        rows.resize(2 * rows.size());
-        vertices.resize(rows.size());
-    }
-    rows[numRows] = {x, y, z, lift};
-    vertices[numRows] = vertex;
-    MeshAccess::cavityNumber(vertex) = firstNumber + numRows;
-    const double sizeX = std::fabs(x);
-    const double sizeY = std::fabs(y);
-    const double sizeZ = std::fabs(z);
-    maxX = maxX < sizeX ? sizeX : maxX;
-    maxY = maxY < sizeY ? sizeY : maxY;
-    maxZ = maxZ < sizeZ ? sizeZ : maxZ;
-    maxLift = maxLift < lift ? lift : maxLift;
-    return static_cast<int>(numRows++);
-}
-
-/// The determinants below are Shewchuk's first stage, so his bounds hold with every term of the
-/// permanent replaced by the product of the largest components: 24 terms of the sphere test.
-/// Differences too large for that leave everything to the predicates.
-void Cavity::updateBounds() {
-    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
-    if (!(maxLift < MAX_LIFT)) {
-        sphereBound = orientationBound = std::numeric_limits<double>::infinity();
-        return;
-    }
-    orientationBound = predicates.getOrientationBound(maxX, maxY, maxZ);
-    sphereBound = 32.0 * predicates.getConstants().isperrboundA * (maxX * maxY * maxZ) * maxLift +
-                  GeomTest3::UNDERFLOW_GUARD;
-}
-
-inline SphereTest Cavity::evaluate(Tet3* tet) {
-    VARN3D_COUNT(sphereTests, 1);
-    const std::uint32_t rowsBefore = numRows;
-    int number[4];
-    for (int i = 0; i < 4; ++i) number[i] = numberOf(MeshAccess::corner(tet, i));
-    if (numRows != rowsBefore) updateBounds();
-    return evaluateSphereTest(*rowOf(number[0]), *rowOf(number[1]), *rowOf(number[2]),
-                              *rowOf(number[3]));
-}
-
-inline bool Cavity::isInConflict(Tet3* tet) {
-    const double determinant = evaluate(tet).determinant;
-    if (determinant > sphereBound) return false;
-    if (determinant < -sphereBound) return true;
-    VARN3D_COUNT(sphereTestsBeyondBound, 1);
-    return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
-}
-
-inline void Cavity::doom(Tet3* tet) {
-    VARN3D_COUNT(doomed, 1);
-    MeshAccess::visited(tet) = true;
-    tets.release(tet);
-}
-
-// ---- A vertex inside the hull ------------------------------------------------------------------
-
-Tet3* Cavity::refillFrom(Tet3* start) {
-    {
+Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
+    prepare(p, [&] {
         VARN3D_TIME(secondsConflict);
-        growRegionAndBoundary(start);
-    }
+        engineCheck(isInConflict(start),
+                    "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
+        doom(start);
+        growRegion();
+    });
     VARN3D_TIME(secondsCreation);
-    Tet3* last = fillBoundary();
-    const std::size_t numStoredTCS = glue();
+    Tet3* last = fill();
+    const std::size_t numStoredTCS = gluing.glue(created);
     if (numStoredTCS != 0)
         std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
     engineCheck(numStoredTCS == 0, "numStoredTCS==0", 920);
     return last;
 }
 
-void Cavity::growRegionAndBoundary(Tet3* start) {
-    numBoundary = 0;
-    stack.clear();
-    engineCheck(isInConflict(start), "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE",
-                574);
-    doom(start);
-    pushDoomed(start);
-    while (!stack.empty()) {
-        const Doomed current = stack.back();
-        stack.pop_back();
-        visitNeighbours(current);
-    }
-}
-
-/// All corners must have been met.
-inline void Cavity::pushDoomed(Tet3* tet) {
-    Doomed doomed{tet, {}};
-    for (int i = 0; i < 4; ++i)
-        doomed.number[i] = static_cast<int>(numberIfMet(MeshAccess::corner(tet, i)));
-    stack.push_back(doomed);
-}
-
-/// Evaluates the tests of all four neighbours before it decides any, also of those that need none:
-/// their number is hard to predict, and a processor that guesses it wrongly loses more time.
-inline void Cavity::visitNeighbours(const Doomed& current) {
-    const std::uintptr_t mixed = mixedCorners(current.tet);
-    const std::uint32_t rowsBefore = numRows;
-    Tet3* neighbours[4];
-    int beyond[4];
-    unsigned inRegion = 0;
-    unsigned onHull = 0;
-    Point3* beyondVertices[4];
-    unsigned unmet = 0;
-    for (int i = 3; i >= 0; --i) {
-        Tet3* neighbour = MeshAccess::neighbour(current.tet, i);
-        neighbours[i] = neighbour;
-        beyond[i] = current.number[i];
-        if (neighbour == nullptr) {
-            onHull |= 1U << i;
-            continue;
-        }
-        inRegion |= (MeshAccess::visited(neighbour) ? 1U : 0U) << i;
-        const std::uintptr_t facet = mixed ^ addressOf(MeshAccess::corner(current.tet, i));
-        auto* vertex = reinterpret_cast<Point3*>(mixedCorners(neighbour) ^ facet);
-        beyondVertices[i] = vertex;
-        const std::uint32_t number = numberIfMet(vertex);
-        beyond[i] = static_cast<int>(number);
-        unmet |= (number < rowsBefore ? 0U : 1U) << i;
-    }
-    // Afterwards, so that no wrong guess here delays the loads above. Two may be the same vertex.
-    while (unmet != 0) {
-        const unsigned i = HIGHEST_BIT[unmet];
-        unmet ^= 1U << i;
-        beyond[i] = numberOf(beyondVertices[i]);
-    }
-    if (numRows != rowsBefore) updateBounds();
-
-    const SphereRow* const cornerRows[4] = {rowOf(current.number[0]), rowOf(current.number[1]),
-                                            rowOf(current.number[2]), rowOf(current.number[3])};
-    const SphereRow* const beyondRows[4] = {rowOf(beyond[0]), rowOf(beyond[1]), rowOf(beyond[2]),
-                                            rowOf(beyond[3])};
-    FacetSphereTests tests;
-    evaluateFacets(cornerRows, beyondRows, ~inRegion, tests);
-
-    const unsigned conflicts =
-        decideConflicts(current.tet, ~(inRegion | onHull) & 15U, tests.conflict);
-
-    // Writes every facet, and keeps those that belong to the boundary.
-    if (numBoundary + 4 > boundary.size()) boundary.resize(2 * boundary.size());
-    BoundaryFacet* end = boundary.data() + numBoundary;
-    const unsigned inner = inRegion | conflicts;
-    for (int i = 3; i >= 0; --i) {
-        const int* corners = INNER_FACET[i];
-        *end = {
-            current.tet,
-            neighbours[i],
-            tests.orientation[i],
-            {current.number[corners[0]], current.number[corners[1]], current.number[corners[2]]},
-            i};
-        end += ~inner >> i & 1U;
-    }
-    numBoundary = static_cast<std::size_t>(end - boundary.data());
-
-    for (unsigned rest = conflicts; rest != 0;) {
-        const unsigned i = HIGHEST_BIT[rest];
-        rest ^= 1U << i;
-        Tet3* neighbour = neighbours[i];
-        for (int k = 0; k < 4; ++k) prefetchRecord(MeshAccess::neighbour(neighbour, k));
-        doom(neighbour);
-        pushDoomed(neighbour);
-    }
-}
-
-/// Which of the candidates, given as bits by facet, are in conflict.
-inline unsigned Cavity::decideConflicts(const Tet3* tet, unsigned candidates,
-                                        const double conflict[4]) const {
-    unsigned inside = 0;
-    unsigned outside = 0;
-    for (int i = 0; i < 4; ++i) {
-        inside |= (conflict[i] < -sphereBound ? 1U : 0U) << i;
-        outside |= (conflict[i] > sphereBound ? 1U : 0U) << i;
-    }
-    inside &= candidates;
-    VARN3D_COUNT(sphereTests, (candidates & 1U) + (candidates >> 1 & 1U) + (candidates >> 2 & 1U) +
-                                  (candidates >> 3));
-    const unsigned undecided = candidates & ~(inside | outside);
-    if (undecided == 0) return inside;
-    for (int i = 0; i < 4; ++i) {
-        if ((undecided >> i & 1U) == 0) continue;
-        VARN3D_COUNT(sphereTestsBeyondBound, 1);
-        if (predicates.sphereInclusionTest(MeshAccess::neighbour(tet, i), newVertex) != SIC_OUTSIDE)
-            inside |= 1U << i;
-    }
-    return inside;
-}
-
-Tet3* Cavity::fillBoundary() {
-    gluing.begin(numRows);
-    std::uint32_t label = MeshAccess::reserveLabels(numBoundary);
-    Tet3* last = nullptr;
-    for (std::size_t i = 0; i < numBoundary; ++i) {
-        const BoundaryFacet& facet = boundary[i];
-        Point3* b = vertexOf(facet.number[0]);
-        Point3* c = vertexOf(facet.number[1]);
-        Point3* d = vertexOf(facet.number[2]);
-        if (!(facet.orientation > orientationBound)) checkOrientation(newVertex, b, c, d);
-        VARN3D_COUNT(created, 1);
-        last = tets.take();
-        MeshAccess::fill(last, label++, newVertex, b, c, d);
-        gluing.add(last, facet.number[0], facet.number[1], facet.number[2]);
-        if (facet.outer != nullptr)
-            registerTets(last, 0, facet.outer,
-                         MeshAccess::indexOfNeighbour(facet.outer, facet.inner));
-    }
+Tet3* Cavity::insertOutside(Point3* p, const std::vector<Tet3*>& vVisible) {
+    prepare(p, [&] {
+        for (Tet3* tet : vVisible)
+            if (isInConflict(tet)) doom(tet);
+        growRegion();
+        for (Tet3* tet : vVisible)
+            if (!MeshAccess::visited(tet)) addFacetsSeen(tet);
+    });
+    Tet3* last = fill();
+    // What finds no partner is the facets between the new vertex and the horizon: the new hull.
+    gluing.glue(created);
     return last;
 }
 
-// ---- A vertex outside the hull -----------------------------------------------------------------
-
-void Cavity::grow(const std::vector<Tet3*>& vSeeds, std::vector<Tet3*>& vStaying,
-                  std::vector<Tet3*>& vDoomed) {
-    for (Tet3* seed : vSeeds) {
-        if (isInConflict(seed)) {
-            doom(seed);
-            vDoomed.push_back(seed);
-        } else {
-            vStaying.push_back(seed);
-        }
+/// Searches region and bases, and reserves what the filling needs. If any of it throws, the mesh is
+/// as it was.
+template <class Search>
+void Cavity::prepare(Point3* p, Search search) {
+    newVertex = p;
+    region.clear();
+    bases.clear();
+    try {
+        search();
+        engineCheck(!bases.empty(), "pNewTet!=0", 1060);
+        tets.reserve(bases.size(), region.size());
+        gluing.reserve(bases.size());
+        created.reserve(bases.size());
+    } catch (...) {
+        for (Tet3* tet : region) MeshAccess::visited(tet) = false;
+        throw;
     }
-    std::vector<Tet3*> pending(vDoomed);
-    while (!pending.empty()) {
-        Tet3* tet = pending.back();
-        pending.pop_back();
-        for (int ith = 0; ith < 4; ++ith) {
-            Tet3* neighbour = MeshAccess::neighbour(tet, ith);
-            if (neighbour == nullptr || MeshAccess::visited(neighbour)) continue;
-            if (!isInConflict(neighbour)) continue;
-            doom(neighbour);
-            vDoomed.push_back(neighbour);
-            pending.push_back(neighbour);
-        }
-    }
-    // Every vertex of a new tetrahedron has been met by now.
-    gluing.begin(numRows);
 }
 
-Tet3* Cavity::fanOverHull(const std::vector<Tet3*>& vStaying) {
-    if (vStaying.empty()) return nullptr;
-    Tet3* pNewTet = nullptr;
-    for (Tet3* hullTet : vStaying) {
-        engineCheck(!MeshAccess::visited(hullTet), "!pCHTet->hasBeenVisited", 1104);
-        for (int ith = 0; ith < 4; ++ith) {
-            if (MeshAccess::neighbour(hullTet, ith) != nullptr) continue;
-            const Orientation3 orient = predicates.getOrientation3(hullTet, ith, newVertex);
-            if (orient == ORIENTATION3_POSITIVE || orient == ORIENTATION3_COPLANAR) continue;
-            engineCheck(orient == ORIENTATION3_NEGATIVE, "orient==ORIENTATION3_NEGATIVE", 1112);
-            // The facet was just seen from outside, so the new tetrahedron is positive.
-            const int* corners = OUTER_FACET[ith];
-            pNewTet = newTet(MeshAccess::reserveLabels(1), MeshAccess::corner(hullTet, corners[0]),
-                             MeshAccess::corner(hullTet, corners[1]),
-                             MeshAccess::corner(hullTet, corners[2]));
-            registerTets(pNewTet, 0, hullTet, ith);
+// ---- Search ------------------------------------------------------------------------------------
+
+bool Cavity::isInConflict(const Tet3* tet) const {
+    VARN3D_COUNT(sphereTests, 1);
+    return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
+}
+
+inline void Cavity::doom(Tet3* tet) {
+    VARN3D_COUNT(doomed, 1);
+    region.push_back(tet);
+    MeshAccess::visited(tet) = true;
+    for (int i = 0; i < 4; ++i) prefetchRecord(MeshAccess::neighbour(tet, i));
+}
+
+/// Prefetches the vertices beyond the facets of a doomed tetrahedron, from neighbours that were
+/// prefetched when it was doomed.
+inline void prefetchBeyond(const Tet3* tet) {
+    for (int i = 0; i < 4; ++i) {
+        const Tet3* outer = MeshAccess::neighbour(tet, i);
+        if (outer != nullptr)
+            prefetchRecord(MeshAccess::corner(outer, MeshAccess::indexOfNeighbour(outer, tet)));
+    }
+}
+
+void Cavity::growRegion() {
+    for (std::size_t i = 0; i < region.size(); ++i) {
+        if (i + 2 < region.size()) prefetchBeyond(region[i + 2]);
+        visitNeighbours(region[i]);
+    }
+}
+
+inline void Cavity::visitNeighbours(const Tet3* tet) {
+    const View seen(tet, newVertex);
+    for (int i = 3; i >= 0; --i) {
+        Tet3* outer = MeshAccess::neighbour(tet, i);
+        if (outer == nullptr) {
+            addBase(seen, i, nullptr, 0);
+            continue;
         }
+        if (MeshAccess::visited(outer)) continue;
+        const int index = MeshAccess::indexOfNeighbour(outer, tet);
+        if (isInConflict(seen, i, outer, index))
+            doom(outer);
+        else
+            addBase(seen, i, outer, index);
     }
-    engineCheck(pNewTet != nullptr, "pNewTet!=0", 1130);
-    return pNewTet;
 }
 
-Tet3* Cavity::retetrahedralise(const std::vector<Tet3*>& vDoomed) {
-    if (vDoomed.empty()) {
-        std::cout << "Warning: vDoomedTets() without input tets, returning NULL" << std::endl;
-        engineCheck(false, "false", 1012);
-    }
-    Tet3* pNewTet = nullptr;
-    for (Tet3* doomed : vDoomed) {
-        engineCheck(MeshAccess::visited(doomed), "pDoomedTet->hasBeenVisited", 1020);
-        for (int ith = 0; ith < 4; ++ith) {
-            Tet3* pOppTet = MeshAccess::neighbour(doomed, ith);
-            if (pOppTet != nullptr && MeshAccess::visited(pOppTet)) continue;
-            // A facet that p sees from outside or edge-on can't carry a tetrahedron.
-            if (predicates.getOrientation3(doomed, ith, newVertex) != ORIENTATION3_POSITIVE)
-                continue;
-            const int* corners = INNER_FACET[ith];
-            pNewTet = newTet(MeshAccess::reserveLabels(1), MeshAccess::corner(doomed, corners[0]),
-                             MeshAccess::corner(doomed, corners[1]),
-                             MeshAccess::corner(doomed, corners[2]));
-            if (pOppTet != nullptr)
-                registerTets(pNewTet, 0, pOppTet, MeshAccess::indexOfNeighbour(pOppTet, doomed));
-        }
-    }
-    engineCheck(pNewTet != nullptr, "pNewTet!=0", 1060);
-    return pNewTet;
+/// Whether the tetrahedron across facet ith is in conflict.
+inline bool Cavity::isInConflict(const View& seen, int ith, const Tet3* outer, int index) const {
+    VARN3D_COUNT(sphereTests, 1);
+    const int* facet = OUTER_FACET[ith];
+    const Row beyond(MeshAccess::corner(outer, index), newVertex);
+    Extent extent = seen.extent;
+    extent.add(beyond);
+    const double bound = sphereBound(extent, predicates);
+    const double determinant =
+        sphereTest(beyond, seen.rows[facet[0]], seen.rows[facet[1]], seen.rows[facet[2]]);
+    if (determinant > bound) return false;
+    if (determinant < -bound) return true;
+    VARN3D_COUNT(sphereTestsBeyondBound, 1);
+    return predicates.sphereInclusionTest(outer, newVertex) != SIC_OUTSIDE;
 }
 
-// ---- Creation and linking ----------------------------------------------------------------------
-
-/// A new tetrahedron of p and three other vertices, without check.
-Tet3* Cavity::newTet(std::uint32_t label, Point3* b, Point3* c, Point3* d) {
-    VARN3D_COUNT(created, 1);
-    Tet3* tet = tets.take();
-    MeshAccess::fill(tet, label, newVertex, b, c, d);
-    gluing.add(tet, numberOf(b), numberOf(c), numberOf(d));
-    return tet;
+/// Notes facet ith, which belongs to the region's boundary. A hull facet that the new vertex does
+/// not see from inside is none to build on.
+inline void Cavity::addBase(const View& seen, int ith, Tet3* outer, int index) {
+    const int* facet = INNER_FACET[ith];
+    const double orientation =
+        orientationOf(seen.rows[facet[0]], seen.rows[facet[1]], seen.rows[facet[2]]);
+    Point3* const a = MeshAccess::corner(seen.tet, facet[0]);
+    Point3* const b = MeshAccess::corner(seen.tet, facet[1]);
+    Point3* const c = MeshAccess::corner(seen.tet, facet[2]);
+    if (!(orientation > orientationBound(seen.extent, predicates))) {
+        if (outer != nullptr)
+            checkOrientation(newVertex, a, b, c);
+        else if (predicates.getOrientation3(seen.tet, ith, newVertex) != ORIENTATION3_POSITIVE)
+            return;
+    }
+    bases.push_back({{a, b, c}, outer, index});
 }
 
-std::size_t Cavity::glue() {
-    return gluing.glue();
+/// Notes the hull facets of a tetrahedron that stays, as far as the new vertex sees them.
+void Cavity::addFacetsSeen(Tet3* tet) {
+    for (int ith = 0; ith < 4; ++ith) {
+        if (MeshAccess::neighbour(tet, ith) != nullptr) continue;
+        if (predicates.getOrientation3(tet, ith, newVertex) != ORIENTATION3_NEGATIVE) continue;
+        const int* facet = OUTER_FACET[ith];
+        bases.push_back({{MeshAccess::corner(tet, facet[0]), MeshAccess::corner(tet, facet[1]),
+                          MeshAccess::corner(tet, facet[2])},
+                         tet,
+                         ith});
+    }
+}
+
+// ---- Filling -----------------------------------------------------------------------------------
+
+/// Replaces the region by a tetrahedron on each base. Allocates nothing, throws nothing.
+Tet3* Cavity::fill() {
+    VARN3D_COUNT(created, bases.size());
+    std::uint32_t label = MeshAccess::reserveLabels(bases.size());
+    Tet3* last = nullptr;
+    created.clear();
+    for (const Base& base : bases) {
+        last = tets.take();
+        MeshAccess::fill(last, label++, newVertex, base.corners[0], base.corners[1],
+                         base.corners[2]);
+        MeshAccess::neighbour(last, 0) = base.outer;
+        if (base.outer != nullptr) MeshAccess::neighbour(base.outer, base.index) = last;
+        created.push_back(last);
+    }
+    for (Tet3* tet : region) tets.release(tet);
+    return last;
 }
 
 void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const {
@@ -384,21 +290,10 @@ void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const 
 
 Tet3* Cavity::createTet(Point3* a, Point3* b, Point3* c, Point3* d) {
     checkOrientation(a, b, c, d);
-    Tet3* ret = tets.take();
-    engineCheck(ret != nullptr, "ret!=0", 990);
-    ret->setProperties(a, b, c, d);
-    return ret;
-}
-
-void Cavity::registerTets(Tet3* fromTet, int ith, Tet3* toTet, int jth) {
-    engineCheck(range03(ith), "range03(ith)", 940);
-    engineCheck(range03(jth), "range03(jth)", 941);
-    engineCheck(toTet != nullptr, "toTet!=0", 942);
-    if (fromTet == toTet)
-        std::cout << "register tets has been called with fromTet==toTet==" << toTet;
-    engineCheck(fromTet != toTet, "fromTet!=toTet", 945);
-    MeshAccess::neighbour(toTet, jth) = fromTet;
-    MeshAccess::neighbour(fromTet, ith) = toTet;
+    tets.reserve(1, 0);
+    Tet3* tet = tets.take();
+    tet->setProperties(a, b, c, d);
+    return tet;
 }
 
 }  // namespace VARN3D

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 
 #include "dt3Library/EngineCheck.h"
@@ -12,7 +13,6 @@
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Profile.h"
 #include "dt3Library/Visualizer3.h"
-#include "dt3Library/WalkStarts.h"
 #include "dt3Library/kernel/BatchInsertion.h"
 
 namespace VARN3D {
@@ -52,6 +52,21 @@ void requireFinite(const Point3& point, std::size_t position, const char* who) {
     engineCheck(false, "std::isfinite", 70);
 }
 
+/// Sets a flag when an exception leaves its scope.
+class FailureNote {
+  public:
+    explicit FailureNote(bool& bTheFlag) : bFlag(bTheFlag) {}
+    ~FailureNote() {
+        if (std::uncaught_exceptions() > numBefore) bFlag = true;
+    }
+    FailureNote(const FailureNote&) = delete;
+    FailureNote& operator=(const FailureNote&) = delete;
+
+  private:
+    bool& bFlag;
+    const int numBefore = std::uncaught_exceptions();
+};
+
 }  // namespace
 
 Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
@@ -80,6 +95,7 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
             VARN3D_TIME(secondsStore);
             store.insert(vInputPoints, vUserHandles, vNew);
         }
+        takeInLeftOver(vNew);
         if (bFullDimensional)
             insertLaterBatch(vNew);
         else if (spansSpace(vNew))
@@ -93,7 +109,11 @@ void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& 
         vUserHandles.clear();
         throw;
     }
-    if (!vNew.empty()) triangulate(vNew, startTetNear(*vNew.front()));
+    if (!vNew.empty()) {
+        const FailureNote note(bFailed);
+        triangulate(vNew, startTetNear(*vNew.front()));
+    }
+    bFailed = false;
 }
 
 /// Inserts a batch that is large against the mesh, and empties its list. A small one is left to be
@@ -136,7 +156,7 @@ void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
 
 Point3* Dt3::insert(const Point3& point) {
     requireFinite(point, 0, "Dt3::insert()");
-    const std::size_t numBefore = store.getNumVertices();
+    const FailureNote note(bFailed);
     auto [pVtx, pLastTet] = store.insertOne(point, bFullDimensional ? ENTRIES_SEARCHED : 0);
     if (bFullDimensional) {
         if (pLastTet == nullptr) pLastTet = pRecentTet;
@@ -145,7 +165,7 @@ Point3* Dt3::insert(const Point3& point) {
         insertVertex(slot, pLastTet);
         return pVtx;
     }
-    if (store.getNumVertices() == numBefore || !spansSpace({pVtx})) return pVtx;
+    if (!spansSpace({pVtx})) return pVtx;
     Tet3* first = startUp();
     if (first == nullptr || store.getNumVertices() <= 4) return pVtx;
     // Vertices that waited for the first tetrahedron go on waiting: only a batch takes them in.
@@ -154,27 +174,30 @@ Point3* Dt3::insert(const Point3& point) {
     return pVtx;
 }
 
+/// If an insertion has failed since the last complete batch, lists what it may have left waiting
+/// as new as well.
+void Dt3::takeInLeftOver(std::vector<Point3*>& vNew) const {
+    if (!bFailed) return;
+    std::vector<Point3*> vVertices;
+    store.getVertices(vVertices);
+    vNew.clear();
+    for (Point3* vertex : vVertices)
+        if (vertex->getOneTet() == nullptr) vNew.push_back(vertex);
+}
+
 void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
     if (pLastTet == nullptr) goToHell("pLastTet==NULL in Dt3::triangulate");
     if (vVertices.empty()) {
         printNothingToInsert();
         return;
     }
+    // Only lists that are short beside the mesh come here: some vertex of the mesh is nearer to the
+    // next one than the last one of the list.
+    pRecentTet = pLastTet;
     InsertionOrder order(vVertices.size());
-    WalkStarts starts;
-    std::size_t numSteps = 0;
-    std::size_t numInserted = 0;
-    std::size_t position;
-    for (; starts.isReady() ? starts.next(position) : order.next(position); ++numInserted) {
+    for (std::size_t position; order.next(position);) {
         Point3*& pVtx = vVertices[position];
-        if (starts.isReady()) pLastTet = starts.nearest(position, pLastTet);
-        engineCheck(!MeshAccess::visited(pLastTet), "!pCurTet->hasBeenVisited", 789);
-        const int located = locateConflictTet(pVtx, pLastTet, numSteps);
-        if (!starts.isReady() && numSteps > 20 * numInserted + 4096) {
-            // The insertion order is no good guide through this batch.
-            starts.prepare(vVertices, order, store.getBbox());
-        }
-        pLastTet = insertLocated(pVtx, pLastTet, located);
+        insertVertex(pVtx, startTetNear(*pVtx));
     }
 }
 
@@ -182,17 +205,6 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     engineCheck(!MeshAccess::visited(pCurTet), "!pCurTet->hasBeenVisited", 789);
     const int located = locateConflictTet(pVtx, pCurTet);
     return insertLocated(pVtx, pCurTet, located);
-}
-
-void Dt3::beginCavity(Point3* pVtx) {
-    if (cavity.isOutOfNumbers()) {
-        std::vector<Point3*> vVertices;
-        store.getVertices(vVertices);
-        for (Point3* vertex : vVertices)
-            MeshAccess::cavityNumber(vertex) = MeshAccess::NO_CAVITY_NUMBER;
-        cavity.restartNumbers();
-    }
-    cavity.begin(pVtx);
 }
 
 /// Inserts a vertex that has been located in (or beyond a facet of) pCurTet.
@@ -209,8 +221,7 @@ Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
         engineCheck(!MeshAccess::visited(pRet), "!pRet->hasBeenVisited", 818);
     } else {
         engineCheck(locateResult == LOCATED_INSIDE, "locateResult==-1", 824);
-        beginCavity(pVtx);
-        pRet = cavity.refillFrom(pCurTet);
+        pRet = cavity.insertInside(pVtx, pCurTet);
     }
     pRecentTet = pRet;
     return pRet;
@@ -278,20 +289,14 @@ bool Dt3::findStartUpSimplex(const std::vector<Point3*>& vVertices, Point3* simp
 
 // ---- Location ----------------------------------------------------------------------------------
 
+/// A walk that grows long (flat tetrahedra can lead it astray, mostly along the hull of elongated
+/// sets) begins anew beside the point before the watchdog would stop it.
 int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet) const {
-    std::size_t steps = 0;
-    return locateConflictTet(pVtx, pStartTet, steps);
-}
-
-/// The same, adding to the count of facets tested. A walk that grows long (flat tetrahedra can lead
-/// it astray, mostly along the hull of elongated sets) begins anew beside the point before the
-/// watchdog would stop it.
-int Dt3::locateConflictTet(const Point3* pVtx, Tet3*& pStartTet, std::size_t& numSteps) const {
     if (pStartTet == nullptr) goToHell("locateConflictTet");
-    int located = walk(pVtx, pStartTet, MAX_STEPS / 10, numSteps);
+    int located = walk(pVtx, pStartTet, MAX_STEPS / 10);
     if (located == LOCATION_STOPPED) {
         located = locateAtNearestVertex(*pVtx, pStartTet);
-        if (located == LOCATION_STOPPED) located = walk(pVtx, pStartTet, MAX_STEPS, numSteps);
+        if (located == LOCATION_STOPPED) located = walk(pVtx, pStartTet, MAX_STEPS);
     }
     if (located == LOCATION_STOPPED) stopWalk(pStartTet);
     return located;
@@ -350,7 +355,7 @@ void Dt3::stopWalk(Tet3*& pTet) {
 
 /// A visibility walk (Devillers, Pion and Teillaud, Walking in a triangulation, 2002): it crosses
 /// the first facet that has the point on its outer side. After maxSteps facets it gives up.
-int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& numSteps) const {
+int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps) const {
     VARN3D_TIME(secondsWalk);
     FacetSides sides = predicates.seeFacets(pStartTet, pVtx);
     int facet = 0;
@@ -393,7 +398,6 @@ int Dt3::walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& n
         --untested;
     }
     VARN3D_COUNT_WALK(steps);
-    numSteps += static_cast<std::size_t>(steps);
     return located;
 }
 
@@ -470,20 +474,8 @@ Tet3* Dt3::insertOutsideHull(Point3* pVtx, Tet3* pCurTet, int opp3ICI) {
     engineCheck(pCurTet != nullptr, "pCurTet!=0", 1201);
     engineCheck(opp3ICI > -1, "opp3ICI>-1", 1202);
     VARN3D_COUNT(hullInsertions, 1);
-    beginCavity(pVtx);
     collectVisibleHullTets(pVtx, pCurTet, opp3ICI);
-    vStaying.clear();
-    vDoomed.clear();
-    cavity.grow(vVisible, vStaying, vDoomed);
-    Tet3* pNewTet1 = cavity.fanOverHull(vStaying);
-    if (!vDoomed.empty()) {
-        Tet3* pNewTet2 = cavity.retetrahedralise(vDoomed);
-        if (pNewTet1 == nullptr) pNewTet1 = pNewTet2;
-    }
-    // What finds no partner is the facets between the new vertex and the horizon: the new hull.
-    cavity.glue();
-    engineCheck(pNewTet1 != nullptr, "pNewTet1!=0", 1225);
-    return pNewTet1;
+    return cavity.insertOutside(pVtx, vVisible);
 }
 
 /// Gathers in vVisible, each once, the tetrahedra with a hull facet that the point sees, starting

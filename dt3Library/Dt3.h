@@ -30,8 +30,12 @@ class Varn_3D;
 ///
 /// There are no infinite tetrahedra. Vertices live as long as the engine; tetrahedra until an
 /// insertion dooms them. Not thread-safe: one engine is used by one thread at a time; engines in
-/// different threads don't disturb each other. After an exception from an insertion the engine can
-/// only be destroyed; its vertices can still be read.
+/// different threads don't disturb each other.
+///
+/// Where memory runs out in an insertion, the mesh is what the vertices inserted before have made
+/// it, and the engine can be used on: the vertices that were not reached may be stored and wait.
+/// Each is taken in when it is inserted again, and all are by the next batch. After a failed check
+/// in an insertion the engine can only be destroyed; its vertices can still be read.
 class Dt3 {
   public:
     /// Location results besides the facet indices 0 to 3.
@@ -93,15 +97,14 @@ class Dt3 {
     void insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints);
     void insertLaterBatch(std::vector<Point3*>& vNew);
     void insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart);
+    void takeInLeftOver(std::vector<Point3*>& vNew) const;
     Tet3* startTetNear(const Point3& point);
-    void beginCavity(Point3* pVtx);
     Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
     Tet3* insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const;
 
     // Walk
     static constexpr int MAX_STEPS = 10000;
-    int locateConflictTet(const Point3* pVtx, Tet3*& pStartTet, std::size_t& numSteps) const;
-    int walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps, std::size_t& numSteps) const;
+    int walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps) const;
     int locateAtNearestVertex(const Point3& point, Tet3*& pTet) const;
     static void findNearestStar(const Point3& point, Tet3* pTet, const Point3*& pNearest,
                                 std::vector<Tet3*>& star);
@@ -130,13 +133,13 @@ class Dt3 {
     Varn_3D* pOwner;
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
+    /// Whether an insertion has failed and no batch has come to its end since.
+    bool bFailed = false;
     /// A tetrahedron of the mesh: where the last insertion ended.
     Tet3* pRecentTet = nullptr;
 
     // Lists of one insertion outside the hull, kept for their memory.
     std::vector<Tet3*> vVisible;
-    std::vector<Tet3*> vStaying;
-    std::vector<Tet3*> vDoomed;
     std::vector<HullEdge> hullEdges;
     HullTurns hullTurns;
     PointerPairSet seenEdges;

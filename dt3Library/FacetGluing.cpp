@@ -1,74 +1,78 @@
 #include "dt3Library/FacetGluing.h"
 
+#include "dt3Library/MeshAccess.h"
+#include "dt3Library/hashPointers.h"
+
 namespace VARN3D {
 
-FacetGluing::FacetGluing() : table(TABLE_SIDE * TABLE_SIDE) {
-    fans.resize(512);
-    edges.resize(4 * fans.size());
+namespace {
+
+/// The corners between which edge k runs, and the corner opposite the facet that holds it.
+constexpr int SOURCE[3] = {1, 2, 3};
+constexpr int TARGET[3] = {2, 3, 1};
+constexpr int OPPOSITE[3] = {3, 1, 2};
+
+}  // namespace
+
+void FacetGluing::reserve(std::size_t numTets) {
+    constexpr std::size_t PLACES_A_TET = 24;
+    bits = 8;
+    while (std::size_t{1} << bits < PLACES_A_TET * numTets) ++bits;
+    if (placeOf.size() < 4 * numTets) placeOf.resize(8 * numTets);
+    if (table.size() < std::size_t{1} << bits) table.resize(std::size_t{1} << bits);
 }
 
-void FacetGluing::grow() {
-    fans.resize(2 * fans.size());
-    edges.resize(4 * fans.size());
-}
-
-std::size_t FacetGluing::glue() {
-    return bTable && numFans <= MAX_TABLE_FANS ? glueByTable() : glueByHash();
-}
-
-std::size_t FacetGluing::glueByTable() {
+std::size_t FacetGluing::glue(const std::vector<Tet3*>& tets) {
+    enterEdges(tets);
     std::size_t unpaired = 0;
-    const std::size_t numCodes = 4 * numFans;
-    for (std::size_t i = 0; i < numFans; ++i) {
-        for (std::size_t k = 0; k < 3; ++k) {
-            const std::size_t edge = edges[4 * i + k];
-            const std::size_t opposite = edge / TABLE_SIDE + edge % TABLE_SIDE * TABLE_SIDE;
-            const std::size_t partner = table[opposite];
-            if (partner < numCodes && edges[partner] == opposite)
-                link(fans[i], k, fans[partner / 4]);
-            else
-                ++unpaired;
+    for (Tet3* tet : tets) {
+        for (int k = 0; k < 3; ++k) {
+            Tet3* partner = findPartner(tets, MeshAccess::corner(tet, SOURCE[k]),
+                                        MeshAccess::corner(tet, TARGET[k]));
+            MeshAccess::neighbour(tet, OPPOSITE[k]) = partner;
+            unpaired += partner == nullptr ? 1 : 0;
         }
     }
     return unpaired;
 }
 
-std::size_t FacetGluing::glueByHash() {
-    std::size_t capacity = 1024;
-    while (capacity < 6 * numFans) capacity *= 2;
-    hash.assign(capacity, 0);
-    const auto home = [capacity](std::int32_t source, std::int32_t target) {
-        const std::uint64_t edge =
-            static_cast<std::uint64_t>(source) << 32 | static_cast<std::uint32_t>(target);
-        return static_cast<std::size_t>(edge * 0x9E3779B97F4A7C15ULL >> 32) & (capacity - 1);
-    };
-    const auto source = [this](std::size_t code) { return fans[code / 4].number[code % 4]; };
-    const auto target = [this](std::size_t code) {
-        return fans[code / 4].number[(code % 4 + 1) % 3];
-    };
-    for (std::size_t i = 0; i < numFans; ++i) {
-        for (std::size_t code = 4 * i; code < 4 * i + 3; ++code) {
-            std::size_t at = home(source(code), target(code));
-            while (hash[at] != 0) at = (at + 1) & (capacity - 1);
-            hash[at] = code + 1;
+inline FacetGluing::Place FacetGluing::home(const Point3* source, const Point3* target) const {
+    return static_cast<Place>(hashPointers(source, target) >> (64 - bits));
+}
+
+/// No short cut between the two conditions: what earlier insertions left makes the first one
+/// unpredictable.
+inline bool FacetGluing::isTaken(Place place, Edge numEntered) const {
+    const Edge edge = table[place];
+    return (edge < numEntered) & (placeOf[edge] == place);
+}
+
+inline void FacetGluing::enterEdges(const std::vector<Tet3*>& tets) {
+    Edge edge = 0;
+    for (const Tet3* tet : tets) {
+        for (int k = 0; k < 3; ++k, ++edge) {
+            Place place =
+                home(MeshAccess::corner(tet, SOURCE[k]), MeshAccess::corner(tet, TARGET[k]));
+            while (isTaken(place, edge)) place = placeAfter(place);
+            table[place] = edge;
+            placeOf[edge] = place;
         }
+        ++edge;
     }
-    const auto isOpposite = [&](std::size_t code, std::size_t other) {
-        return source(code) == target(other) && target(code) == source(other);
-    };
-    std::size_t unpaired = 0;
-    for (std::size_t i = 0; i < numFans; ++i) {
-        for (std::size_t k = 0; k < 3; ++k) {
-            const std::size_t code = 4 * i + k;
-            std::size_t at = home(target(code), source(code));
-            while (hash[at] != 0 && !isOpposite(hash[at] - 1, code)) at = (at + 1) & (capacity - 1);
-            if (hash[at] != 0)
-                link(fans[i], k, fans[(hash[at] - 1) / 4]);
-            else
-                ++unpaired;
-        }
+}
+
+/// The tetrahedron with the edge opposite to this one; null if there is none.
+inline Tet3* FacetGluing::findPartner(const std::vector<Tet3*>& tets, const Point3* source,
+                                      const Point3* target) const {
+    const auto numEdges = static_cast<Edge>(4 * tets.size());
+    for (Place place = home(target, source); isTaken(place, numEdges); place = placeAfter(place)) {
+        const Edge edge = table[place];
+        Tet3* tet = tets[edge / 4];
+        if (MeshAccess::corner(tet, SOURCE[edge % 4]) == target &&
+            MeshAccess::corner(tet, TARGET[edge % 4]) == source)
+            return tet;
     }
-    return unpaired;
+    return nullptr;
 }
 
 }  // namespace VARN3D

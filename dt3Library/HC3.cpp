@@ -196,9 +196,9 @@ std::pair<Point3*, Tet3*> HC3::insertOne(const Point3& point, std::size_t entrie
     if (vertex != nullptr && vertex->getOneTet() != nullptr) return {vertex, vertex->getOneTet()};
     Tet3* start = vertexTable.findTet(place, point, entriesASide);
     if (vertex == nullptr) {
+        bPoolInCurveOrder = false;
         vertex = newVertex(point);
         enterInTable(place, vertex);
-        bPoolInCurveOrder = false;
     }
     return {vertex, start};
 }

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
 #include <unordered_map>
 #include <utility>
 
 #include "dt3Library/HullEdge.h"
+#include "dt3Library/hashPointers.h"
 
 namespace VARN3D {
 
@@ -32,14 +32,9 @@ class HullTurns {
   private:
     using Ends = std::pair<const Point3*, const Point3*>;
 
-    /// Vertices lie side by side, and so do the ends of edges: their numbers must be mixed well.
     struct HashOfEnds {
         std::size_t operator()(const Ends& ends) const {
-            const auto first = reinterpret_cast<std::uintptr_t>(ends.first);
-            const auto second = reinterpret_cast<std::uintptr_t>(ends.second);
-            const std::uint64_t mixed =
-                (first * 0x9E3779B97F4A7C15U ^ second) * 0xC2B2AE3D27D4EB4FU;
-            return static_cast<std::size_t>(mixed ^ mixed >> 32);
+            return static_cast<std::size_t>(hashPointers(ends.first, ends.second) >> 32);
         }
     };
 

@@ -44,8 +44,6 @@ struct MeshAccess {
             corners[i]->setOneTet(t);
         }
     }
-    static std::uint32_t& cavityNumber(Point3* p) { return p->cavityNumber; }
-    static constexpr std::uint32_t NO_CAVITY_NUMBER = 0xFFFFFFFF;
 };
 
 }  // namespace VARN3D

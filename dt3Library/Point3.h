@@ -65,16 +65,11 @@ class VARN3D_EXPORT Point3 {
     void debug() const;
 
   private:
-    friend struct MeshAccess;
-
     double xx;
     double yy;
     double zz;
     Tet3* pOneTet = nullptr;
     std::int32_t index = -1;
-    /// What the insertion that last met the vertex knows it by; it means nothing to others. It sits
-    /// in what would be padding.
-    std::uint32_t cavityNumber = 0xFFFFFFFF;
 };
 
 /// Prints the address, a tab, and the coordinates in fields of width 8.

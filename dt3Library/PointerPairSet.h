@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "dt3Library/hashPointers.h"
+
 namespace VARN3D {
 
 /// A set of pairs of pointers that is emptied in O(1): open addressing, with the round in which a
@@ -35,10 +37,7 @@ class PointerPairSet {
     };
 
     Place& find(const void* a, const void* b) {
-        const auto hash = (reinterpret_cast<std::uintptr_t>(a) * 0x9E3779B97F4A7C15ULL ^
-                           reinterpret_cast<std::uintptr_t>(b)) *
-                          0xC2B2AE3D27D4EB4FULL;
-        std::size_t at = static_cast<std::size_t>(hash >> 32) & (places.size() - 1);
+        std::size_t at = static_cast<std::size_t>(hashPointers(a, b) >> 32) & (places.size() - 1);
         while (places[at].round == round && !(places[at].a == a && places[at].b == b))
             at = (at + 1) & (places.size() - 1);
         return places[at];

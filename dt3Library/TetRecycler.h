@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -10,39 +11,38 @@
 
 namespace VARN3D {
 
-/// Storage of all tetrahedra: a pool, and the records to be used again.
+/// Storage of all tetrahedra: a pool, and the records that are free to be used again.
 ///
-/// A record released during one insertion is handed out from the next one on: until then the doomed
-/// tetrahedra are still read while new ones are being made. Hence two lists, which change places at
-/// the start of each insertion.
+/// An insertion takes the records of its new tetrahedra before it releases those of the doomed
+/// ones, so these are used again from the next insertion on.
 class TetRecycler {
   public:
-    TetRecycler() {
-        pool.init();
-        vReleased.reserve(512);
-        vReusable.reserve(512);
+    TetRecycler() { pool.init(); }
+
+    /// Makes sure that so many records can be taken, and so many be released afterwards, without an
+    /// allocation. Where memory runs out nothing has changed but that more records may be free.
+    void reserve(std::size_t numTaken, std::size_t numReleased) {
+        const std::size_t needed = std::max(vFree.size(), numTaken) + numReleased;
+        if (vFree.capacity() < needed) vFree.reserve(2 * needed);
+        while (vFree.size() < numTaken) vFree.push_back(pool.alloc());
     }
 
-    /// A record for a new tetrahedron; the caller fills it.
+    /// A record for a new tetrahedron, which the caller fills. There must be one free.
     Tet3* take() {
-        if (vReusable.empty()) return pool.alloc();
-        Tet3* tet = vReusable.back();
-        vReusable.pop_back();
+        Tet3* tet = vFree.back();
+        vFree.pop_back();
         return tet;
     }
 
     void release(Tet3* tet) {
         MeshAccess::customIndex(tet) = -1;
-        vReleased.push_back(tet);
+        vFree.push_back(tet);
     }
 
-    void swapLists() { vReleased.swap(vReusable); }
-
     /// Appends every tetrahedron of the mesh by ascending address. O(n), and the mesh's marks play
-    /// no part: a record is dead exactly when it is in one of the two lists.
+    /// no part: a record is in use exactly when it isn't free.
     void listLive(std::vector<Tet3*>& vTets) const {
-        std::vector<Tet3*> dead(vReleased);
-        dead.insert(dead.end(), vReusable.begin(), vReusable.end());
+        std::vector<Tet3*> dead(vFree);
         std::sort(dead.begin(), dead.end(), std::less<Tet3*>());
         std::vector<std::pair<Tet3*, Tet3*>> blocks;
         std::size_t total = 0;
@@ -67,31 +67,27 @@ class TetRecycler {
 
     const SimplePool<Tet3>& getPool() const { return pool; }
 
-    /// Calls f(Tet3*) for each record that is in no mesh.
+    /// Calls f(Tet3*) for each record that has been in use and is free.
     template <class F>
-    void forEachDead(F f) const {
-        for (Tet3* dead : vReleased) f(dead);
-        for (Tet3* dead : vReusable) f(dead);
+    void forEachFree(F f) const {
+        for (Tet3* free : vFree) f(free);
     }
 
-    /// Takes over the records of another mesh, of which these are dead, in place of all its own.
-    void replaceBy(SimplePool<Tet3>& newPool, std::vector<Tet3*>& vDead) noexcept {
+    /// Takes over the records of another mesh, of which these are free, in place of all its own.
+    void replaceBy(SimplePool<Tet3>& newPool, std::vector<Tet3*>& vNewFree) noexcept {
         pool.swap(newPool);
-        vReleased.clear();
-        vReusable.swap(vDead);
+        vFree.swap(vNewFree);
     }
 
     /// Drops all records.
     void reset() {
         pool.reset();
-        vReleased.clear();
-        vReusable.clear();
+        vFree.clear();
     }
 
   private:
     SimplePool<Tet3> pool;
-    std::vector<Tet3*> vReleased;
-    std::vector<Tet3*> vReusable;
+    std::vector<Tet3*> vFree;
 };
 
 }  // namespace VARN3D

@@ -34,9 +34,12 @@ class Dt3;
 /// rounds (after Amenta, Choi and Rote, Incremental constructions con BRIO, 2003) with exact
 /// predicates (Shewchuk, Adaptive precision floating-point arithmetic, 1997).
 ///
-/// A failed check prints the condition and throws VarnException; std::bad_alloc is passed on. When
-/// an insertion has thrown, vertices can still be read; but for that, the object can only be
-/// destroyed. Used by one thread at a time; different objects may be used by different threads.
+/// A failed check prints the condition and throws VarnException; std::bad_alloc is passed on. Where
+/// memory runs out in an insertion, either may be thrown; the mesh is then valid and what the
+/// points inserted before have made it. Points of that insertion may wait as vertices: each joins
+/// the mesh when it is inserted again, and all do with the next batch. After any other failed check
+/// in an insertion vertices can still be read; but for that, the object can only be destroyed. Used
+/// by one thread at a time; different objects may be used by different threads.
 class VARN3D_EXPORT Varn_3D {
   public:
     /// A triangulation without points.

@@ -4,13 +4,14 @@
 
 namespace VARN3D {
 
-/// Has the processor begin to load a tetrahedron or a vertex, which may begin in one cache line and
-/// end in the next. Does nothing for null, and nothing where the compiler offers no such hint.
-inline void prefetchRecord(const void* record) {
+/// Prefetches a tetrahedron or a vertex, which may begin in one cache line and end in the next.
+/// Does nothing for null, and nothing where the compiler offers no such hint.
+template <class Record>
+inline void prefetchRecord(const Record* record) {
 #if defined(__GNUC__)
     const auto address = reinterpret_cast<std::uintptr_t>(record);
     __builtin_prefetch(reinterpret_cast<const void*>(address));
-    __builtin_prefetch(reinterpret_cast<const void*>(address + 64));
+    __builtin_prefetch(reinterpret_cast<const void*>(address + sizeof(Record) - 1));
 #else
     static_cast<void>(record);
 #endif

@@ -172,7 +172,7 @@ TEST(Insertion, startUpFindsWhatTheLiteralSearchFinds) {
     }
 }
 
-TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMadeAndLinked) {
+TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMade) {
     const GeomTest3 predicates;
     TetRecycler recycler;
     Cavity cavity(predicates, recycler);
@@ -190,29 +190,6 @@ TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMadeAndLinked) {
         testing::StartsWith(report("NEGATIVE", {&b, &a, &c, &d}) + failed + "false failed ]\n"));
     EXPECT_EQ(outputOf([&] { EXPECT_NE(cavity.createTet(&a, &b, &c, &e), nullptr); }),
               report("COPLANAR", {&a, &b, &c, &e}) + "..probably a legal situaion but observe!\n");
-    EXPECT_THAT(outputOf([&] { EXPECT_THROW(cavity.retetrahedralise({}), VarnException); }),
-                testing::StartsWith("Warning: vDoomedTets() without input tets, returning NULL\n" +
-                                    failed));
-
-    Tet3* one = cavity.createTet(&a, &b, &c, &d);
-    Tet3* other = cavity.createTet(&e, &c, &b, &d);
-    Cavity::registerTets(one, 0, other, 0);
-    EXPECT_EQ(one->getOppTet(0), other);
-    EXPECT_EQ(other->getOppTet(0), one);
-    const struct {
-        int ith, jth;
-        Tet3* to;
-        std::string condition;
-    } faults[] = {{4, 0, other, "range03(ith)"},
-                  {0, 4, other, "range03(jth)"},
-                  {0, 0, nullptr, "toTet!=0"},
-                  {0, 0, one, "fromTet!=toTet"}};
-    for (const auto& [ith, jth, to, condition] : faults)
-        EXPECT_THAT(
-            outputOf([&, i = ith, j = jth, t = to] {
-                EXPECT_THROW(Cavity::registerTets(one, i, t, j), VarnException);
-            }),
-            testing::HasSubstr(failed + condition + " failed ]\n\n      dt3Library/Dt3.cpp:"));
 }
 
 // The records of doomed tetrahedra are used again, but not while the insertion still reads them.

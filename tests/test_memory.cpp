@@ -1,18 +1,24 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <streambuf>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dt3Library/Varn_3D.h"
 #include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
 #include "tests/support/PointSets.h"
 
-// Memory that runs out: every allocation of a scenario fails in turn. The linker sends the
-// library's calls of malloc here (--wrap), and the operators replace the standard ones.
+// Memory that runs out: every allocation of a succession of insertions fails in turn. The linker
+// sends the library's calls of malloc and realloc here (--wrap), and the operators replace the
+// standard ones.
 
 namespace {
 
@@ -23,6 +29,11 @@ bool failsNow() {
     return allocationsUntilFailure-- == 0;
 }
 
+void* required(void* memory) {
+    if (memory == nullptr) throw std::bad_alloc();
+    return memory;
+}
+
 }  // namespace
 
 extern "C" {
@@ -30,12 +41,18 @@ void* __real_malloc(std::size_t size);
 void* __wrap_malloc(std::size_t size) {
     return failsNow() ? nullptr : __real_malloc(size);
 }
+void* __real_realloc(void* memory, std::size_t size);
+void* __wrap_realloc(void* memory, std::size_t size) {
+    return failsNow() ? nullptr : __real_realloc(memory, size);
+}
 }
 
 void* operator new(std::size_t size) {
-    void* memory = failsNow() ? nullptr : __real_malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
+    return required(failsNow() ? nullptr : __real_malloc(size == 0 ? 1 : size));
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    const auto unit = static_cast<std::size_t>(alignment);
+    return required(failsNow() ? nullptr : std::aligned_alloc(unit, (size / unit + 1) * unit));
 }
 // Inlined, they look to the compiler like a free() of what new made.
 [[gnu::noinline]] void operator delete(void* memory) noexcept {
@@ -44,67 +61,76 @@ void* operator new(std::size_t size) {
 [[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
+[[gnu::noinline]] void operator delete(void* memory, std::align_val_t) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    std::free(memory);
+}
 
 namespace {
 
+using namespace support;
 using VARN3D::Point3;
 using VARN3D::Tet3;
 using VARN3D::Varn_3D;
 
-/// A host's work on one engine: two batches, single points, queries. What each step returned is
-/// kept outside, so that it can be looked at after a failure.
-struct Scenario {
-    std::vector<Point3> first = support::uniform(150, 1);
-    std::vector<Point3> second = support::uniform(150, 2);
-    std::vector<Point3> singles = support::uniform(60, 3);
-    std::vector<Point3*> firstHandles;
-    std::vector<Point3*> singleHandles;
-    bool bFirstDone = false;
+/// What an insertion that fails may leave in the mesh: nothing of its own, or some of its points.
+enum class Leaves { Nothing, SomePoints };
 
-    void run(Varn_3D& triangulation) {
-        triangulation.insert(first, firstHandles);
-        bFirstDone = true;
-        std::vector<Point3*> secondHandles;
-        triangulation.insert(second, secondHandles);
-        for (Point3& p : singles) singleHandles.push_back(triangulation.insert(p));
-        triangulation.locate(singles.front());
-        std::vector<Tet3*> tets;
-        triangulation.getTetrahedra(tets);
-        tets.clear();
-        triangulation.getTetsAroundVertex(firstHandles.front(), tets);
-        std::vector<Point3*> vertices;
-        triangulation.getVertices(vertices);
-    }
+struct Insertion {
+    Points points;
+    bool bSingle;
+    Leaves leaves;
+};
+using Insertions = std::vector<Insertion>;
+
+Insertions singles(const Points& points) {
+    Insertions insertions;
+    for (const Point3& p : points) insertions.push_back({{p}, true, Leaves::Nothing});
+    return insertions;
+}
+
+Insertions pointByPoint(const Points& points) {
+    return {{points, false, Leaves::SomePoints}};
+}
+
+using support::operator+;
+
+Insertions operator+(Insertions a, const Insertions& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+struct Case {
+    const char* name;
+    Insertions (*insertions)();
+    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 };
 
-/// Whether the scenario ran to its end with the n-th allocation failing (so that there is no n-th).
-bool survives(long n) {
-    Scenario scenario;
-    scenario.firstHandles.reserve(scenario.first.size());
-    scenario.singleHandles.reserve(scenario.singles.size());
-    bool bFailed = false;
-    Varn_3D* triangulation = nullptr;
-    allocationsUntilFailure = n;
-    try {
-        triangulation = new Varn_3D;
-        scenario.run(*triangulation);
-    } catch (const std::bad_alloc&) {
-        bFailed = true;
-    } catch (const VARN3D::VarnException&) {
-        bFailed = true;
+Points momentCurve(int n) {
+    Points points;
+    for (int i = 0; i < n; ++i) {
+        const double t = static_cast<double>(i) / n;
+        points.emplace_back(t, t * t, t * t * t);
     }
-    const bool bReached = allocationsUntilFailure < 0;
-    allocationsUntilFailure = -1;
-    EXPECT_EQ(bFailed, bReached) << "allocation " << n;
-    if (scenario.bFirstDone) {
-        for (std::size_t i = 0; i < scenario.first.size(); ++i)
-            EXPECT_TRUE(*scenario.firstHandles[i] == scenario.first[i]) << n << " " << i;
-    }
-    for (std::size_t i = 0; i < scenario.singleHandles.size(); ++i)
-        EXPECT_TRUE(*scenario.singleHandles[i] == scenario.singles[i]) << n << " " << i;
-    delete triangulation;
-    return !bFailed;
+    return points;
 }
+
+// What is missing after an interrupted batch joins the mesh later than it would have: only points
+// in general position have the same mesh then.
+const Case CASES[] = {
+    {"singles", [] { return singles(uniform(60, 1)); }},
+    {"degenerateSingles", [] { return singles(grid(3, 3, 3) + lattice(40, 5, 5, 5, 1)); }},
+    {"longHullTurnsAndLargeRegions",
+     [] { return singles(momentCurve(50) + lattice(20, 2, 2, 2, 1) + uniform(5, 1)); }},
+    {"batches",
+     [] {
+         return pointByPoint(uniform(150, 1)) + singles(uniform(30, 2, -1.0, 2.0)) +
+                pointByPoint(uniform(40, 3)) + pointByPoint(uniform(300, 4, -1.0, 2.0)) +
+                singles(uniform(30, 5));
+     }},
+};
 
 /// Takes the library's messages without allocating anything for them.
 class Silence : public std::streambuf {
@@ -121,17 +147,120 @@ class Silence : public std::streambuf {
     std::streambuf* previous;
 };
 
-TEST(OutOfMemory, EveryAllocationMayFail) {
-    const Silence silence;
-    long n = 0;
-    while (!survives(n) && !HasFailure()) ++n;
-    EXPECT_GT(n, 60);
+using Mesh = std::vector<std::array<Coordinates, 4>>;
+
+Mesh meshOf(const Varn_3D& triangulation) {
+    std::vector<Tet3*> tets;
+    triangulation.getTetrahedra(tets);
+    Mesh mesh(tets.size());
+    for (std::size_t t = 0; t < tets.size(); ++t) {
+        for (std::size_t i = 0; i < 4; ++i)
+            mesh[t][i] = coordinatesOf(*tets[t]->getCorner(static_cast<int>(i)));
+        std::sort(mesh[t].begin(), mesh[t].end());
+    }
+    std::sort(mesh.begin(), mesh.end());
+    return mesh;
 }
 
-TEST(OutOfMemory, IsReported) {
+/// Allocates nothing of its own where there is room for one handle.
+void insert(Varn_3D& triangulation, Insertion& insertion, std::vector<Point3*>& handles) {
+    handles.clear();
+    if (insertion.bSingle)
+        handles.push_back(triangulation.insert(insertion.points.front()));
+    else
+        triangulation.insert(insertion.points, handles);
+}
+
+void ask(Varn_3D& triangulation, const Point3& point) {
+    std::vector<Point3*> vertices;
+    triangulation.getVertices(vertices);
+    std::vector<Tet3*> tets;
+    triangulation.getTetrahedra(tets);
+    tets.clear();
+    triangulation.getTetsAroundVertex(vertices.front(), tets);
+    triangulation.locate(point);
+}
+
+/// Whether the operation fails for want of memory where so many allocations succeed; counts those
+/// that it makes.
+template <class Operation>
+bool fails(long& untilFailure, Operation operation) {
+    if (untilFailure < 0) {
+        operation();
+        return false;
+    }
+    bool bFailed = false;
+    allocationsUntilFailure = untilFailure;
+    try {
+        operation();
+    } catch (const std::bad_alloc&) {
+        bFailed = true;
+    } catch (const VARN3D::VarnException&) {
+        bFailed = true;
+    }
+    untilFailure = std::exchange(allocationsUntilFailure, -1);
+    EXPECT_EQ(bFailed, untilFailure < 0);
+    return bFailed;
+}
+
+class OutOfMemory : public testing::TestWithParam<Case> {
+  protected:
+    /// Whether the case ran to its end with the n-th allocation failing (so that there is no n-th).
+    bool survives(long n) {
+        std::unique_ptr<Varn_3D> triangulation;
+        long untilFailure = n;
+        if (fails(untilFailure, [&] { triangulation = std::make_unique<Varn_3D>(); })) return false;
+        std::vector<Point3*> handles;
+        Points points;
+        for (std::size_t i = 0; i < insertions.size(); ++i) {
+            Insertion& insertion = insertions[i];
+            std::vector<Point3*> found(1);
+            if (fails(untilFailure, [&] { insert(*triangulation, insertion, found); })) {
+                if (insertion.leaves == Leaves::Nothing) {
+                    EXPECT_EQ(meshOf(*triangulation), meshes[i]) << n;
+                }
+                EXPECT_TRUE(triangulation->checkValidity("interrupted", true)) << n;
+                insert(*triangulation, insertion, found);
+            }
+            handles.insert(handles.end(), found.begin(), found.end());
+            points.insert(points.end(), insertion.points.begin(), insertion.points.end());
+        }
+        if (fails(untilFailure, [&] { ask(*triangulation, points.front()); }))
+            ask(*triangulation, points.front());
+        EXPECT_EQ(meshOf(*triangulation), meshes.back()) << n;
+        EXPECT_TRUE(triangulation->checkValidity("finished", true)) << n;
+        EXPECT_TRUE(std::equal(points.begin(), points.end(), handles.begin(), handles.end(),
+                               [](const Point3& p, const Point3* handle) { return p == *handle; }))
+            << n;
+        return untilFailure >= 0;
+    }
+
+    Insertions insertions = GetParam().insertions();
+    /// Before each insertion, and in the end, where nothing fails.
+    std::vector<Mesh> meshes;
+};
+
+TEST_P(OutOfMemory, LeavesAMeshToGoOnWith) {
+    const Silence silence;
+    Varn_3D sound;
+    meshes.push_back(meshOf(sound));
+    std::vector<Point3*> handles;
+    for (Insertion& insertion : insertions) {
+        insert(sound, insertion, handles);
+        meshes.push_back(meshOf(sound));
+    }
+    long n = 0;
+    while (!survives(n) && !HasFailure()) ++n;
+    EXPECT_GT(n, 30);
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, OutOfMemory, testing::ValuesIn(CASES),
+                         [](const auto& set) { return std::string(set.param.name); });
+
+TEST(Memory, ThatRunsOutIsReported) {
     Varn_3D triangulation;
-    std::vector<Point3> points = support::uniform(150, 1);
-    const std::string output = support::outputOf([&] {
+    std::vector<Point3> points = uniform(150, 1);
+    const std::string output = outputOf([&] {
         allocationsUntilFailure = 0;
         EXPECT_THROW(triangulation.insert(points), std::bad_alloc);
         allocationsUntilFailure = -1;

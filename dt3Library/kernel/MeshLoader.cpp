@@ -8,12 +8,12 @@ void MeshLoader::load(const KernelSteps& steps) {
     CompactMesh& mesh = state.mesh;
     const std::size_t numRecords = records.size();
     mesh.reserve(numRecords);
-    std::vector<bool> isDead(numRecords, false);
-    tets.forEachDead([&](const Tet3* dead) { isDead[records.indexOf(dead)] = true; });
+    std::vector<bool> isFree(numRecords, false);
+    tets.forEachFree([&](const Tet3* free) { isFree[records.indexOf(free)] = true; });
     tets.getPool().forEachBlock([&](Tet3* first, std::int32_t used) {
         for (const Tet3* record = first; record != first + used; ++record) {
             const Slot slot = mesh.take();
-            if (isDead[slot - 1])
+            if (isFree[slot - 1])
                 mesh.tets()[slot] = {};
             else
                 loadRecord(record, slot);
@@ -22,7 +22,7 @@ void MeshLoader::load(const KernelSteps& steps) {
     addGhosts();
     steps.makeSpheres(state, 1, mesh.numSlots() - 1);
     for (std::size_t i = 0; i < numRecords; ++i)
-        if (isDead[i]) mesh.release(static_cast<Slot>(i) + 1);
+        if (isFree[i]) mesh.release(static_cast<Slot>(i) + 1);
 }
 
 void MeshLoader::loadRecord(const Tet3* record, Slot slot) {

@@ -10,7 +10,7 @@ namespace VARN3D {
 Tet3* RecordWriter::writeTo(TetRecycler& tets) {
     CompactMesh& mesh = state.mesh;
     numSlots = static_cast<Slot>(mesh.numSlots());
-    dead.reserve(1 + mesh.numFreeSlots() + state.numGhosts);
+    freeRecords.reserve(1 + mesh.numFreeSlots() + state.numGhosts);
     hull.reserve(state.numGhosts);
     nextLabels.resize(vertices.size() - firstNewVertex);
     for (std::size_t i = 0; i < nextLabels.size(); ++i)
@@ -25,7 +25,7 @@ Tet3* RecordWriter::writeTo(TetRecycler& tets) {
     writeAll();
     for (const FacetCode facet : hull)
         MeshAccess::neighbour(records + slotOf(facet), static_cast<int>(facetOf(facet))) = nullptr;
-    tets.replaceBy(pool, dead);
+    tets.replaceBy(pool, freeRecords);
     return anyRecord;
 }
 
@@ -57,7 +57,7 @@ void RecordWriter::writeAll() {
 inline void RecordWriter::write(Slot slot, const Topology& tet) {
     const auto& v = tet.vertex;
     if (v[0] == AT_INFINITY || v[1] == AT_INFINITY || v[2] == AT_INFINITY || v[3] == AT_INFINITY) {
-        writeDead(slot, tet);
+        writeFree(slot, tet);
         return;
     }
     Point3* const corners[4] = {vertices[v[0]], vertices[v[1]], vertices[v[2]], vertices[v[3]]};
@@ -79,13 +79,13 @@ inline void RecordWriter::write(Slot slot, const Topology& tet) {
 }
 
 /// Ghosts, the dummy and free slots become records to be used again.
-void RecordWriter::writeDead(Slot slot, const Topology& tet) {
+void RecordWriter::writeFree(Slot slot, const Topology& tet) {
     for (int i = 0; i < 4; ++i)
         if (tet.vertex[i] == AT_INFINITY && tet.vertex[(i + 1) % 4] != AT_INFINITY)
             hull.push_back(tet.link[i]);
     Tet3* const record = MeshAccess::newRecord(records + slot);
     MeshAccess::visited(record) = true;
-    dead.push_back(record);
+    freeRecords.push_back(record);
 }
 
 }  // namespace VARN3D

@@ -35,7 +35,7 @@ class RecordWriter {
     };
 
     void write(Slot slot, const Topology& tet);
-    void writeDead(Slot slot, const Topology& tet);
+    void writeFree(Slot slot, const Topology& tet);
 
     BatchState& state;
     const std::vector<Point3*>& vertices;
@@ -47,7 +47,7 @@ class RecordWriter {
     std::uint32_t firstLabel = 0;
     /// How many tetrahedra have been made before the next one of each new vertex.
     std::vector<std::uint32_t> nextLabels;
-    std::vector<Tet3*> dead;
+    std::vector<Tet3*> freeRecords;
     /// The hull facets.
     std::vector<FacetCode> hull;
     Tet3* anyRecord = nullptr;
