@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "dt3Library/CurveSort.h"
+#include "dt3Library/prefetch.h"
 #include "dt3Library/radixSort.h"
 #include "dt3Library/tools.h"
 
@@ -89,6 +90,9 @@ void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserH
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
         const KeyedPosition* last = first + 1;
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
+        // The curve's order has little to do with that of the points.
+        constexpr std::ptrdiff_t AHEAD = 16;
+        if (end - last > AHEAD) prefetchRecord(&points[positionOf(last[AHEAD])]);
         const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
         if (bFirst)
             insertRun(points, first, last, vUserHandles, vNew);

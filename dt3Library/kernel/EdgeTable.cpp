@@ -1,5 +1,8 @@
 #include "dt3Library/kernel/EdgeTable.h"
 
+#include <cstdlib>
+#include <new>
+
 namespace VARN3D {
 
 namespace {
@@ -16,10 +19,19 @@ constexpr std::uint64_t edgeOf(std::uint32_t from, std::uint32_t to) {
 
 }  // namespace
 
+void EdgeTable::Free::operator()(FacetCode* memory) const {
+    std::free(memory);
+}
+
+/// A mesh with faults can have more vertices around a cavity than its facets let expect, up to
+/// three a facet: there are rows for these. Memory that is never touched costs nothing.
 void EdgeTable::grow(std::size_t numVertices) {
+    constexpr std::size_t MARGIN = 8;
     unsigned newShift = shift;
     while (numVertices > std::size_t{1} << newShift) ++newShift;
-    table.assign(std::size_t{1} << 2 * newShift, 0);
+    const std::size_t numPlaces = MARGIN << 2 * newShift;
+    table.reset(static_cast<FacetCode*>(std::calloc(numPlaces, sizeof(FacetCode))));
+    if (table == nullptr) throw std::bad_alloc();
     shift = newShift;
 }
 

@@ -20,10 +20,11 @@
 #ifdef VARN3D_HAS_AVX2
 
 #if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx2,fma,bmi,popcnt"))), apply_to = function)
+#pragma clang attribute push(__attribute__((target("avx2,fma,bmi,bmi2,popcnt"))), \
+                             apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx2,fma,bmi,popcnt")
+#pragma GCC target("avx2,fma,bmi,bmi2,popcnt")
 #endif
 
 namespace VARN3D::avx2 {
@@ -48,7 +49,8 @@ const KernelSteps& fastestSteps() {
 #ifdef VARN3D_HAS_AVX2
     static constexpr KernelSteps STEPS{avx2::insertVertex, avx2::makeSpheres};
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
-        __builtin_cpu_supports("bmi") && __builtin_cpu_supports("popcnt"))
+        __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
+        __builtin_cpu_supports("popcnt"))
         return STEPS;
 #endif
     return portableSteps();

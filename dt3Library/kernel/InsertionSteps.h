@@ -390,38 +390,48 @@ inline double reachOf(const BatchState& state, const CompactVertex& vertex) {
     return std::fmax(largest, ProvedCertificate::LEAST_REACH);
 }
 
-struct CavitySize {
-    std::uint32_t numVertices;
-    std::uint32_t numGhosts;
-};
-/// Lists the corners of the tetrahedra to be made, and numbers the cavity's vertices: a vertex that
-/// this insertion has not met yet holds less than firstNumber, which minus firstNumber is more than
-/// any number given.
-inline CavitySize listCorners(BatchState& state, std::uint32_t numFacets) {
+/// Lists the corners of the tetrahedra to be made, numbers the cavity's vertices, and enters the
+/// edges of its boundary. Returns whether any of them are ghosts.
+inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
     const CompactTet* const tets = state.mesh.tets();
     std::uint32_t* const numbers = state.numbers.data();
     const FacetCode* const inner = state.inner.data();
+    const Slot* const slots = state.region.data();
     NewCorners* const corners = state.corners.data();
     CavityFacet* const facets = state.facets.data();
     const std::uint32_t firstNumber = state.firstNumber;
-    CavitySize size{0, 0};
+    // A closed surface of triangles has half as many vertices as triangles, and two.
+    const std::uint32_t numExpected = numFacets / 2 + 2;
+    EdgeTable::Square edges = state.edges.square(numExpected);
+    std::uint32_t nextNumber = firstNumber;
     for (std::uint32_t i = 0; i < numFacets; ++i) {
         const CompactTet& tet = tets[slotOf(inner[i])];
         const std::uint8_t* const facet = INNER_FACET[facetOf(inner[i])];
-        NewCorners& made = corners[i];
+        std::uint32_t number[3];
         for (unsigned k = 0; k < 3; ++k) {
             const VertexNumber corner = tet.vertex[facet[k]];
-            made.vertex[k] = corner;
-            size.numGhosts += corner == AT_INFINITY ? 1U : 0U;
-            const std::uint32_t known = numbers[corner] - firstNumber;
-            const bool bNew = known >= size.numVertices;
-            const std::uint32_t number = bNew ? size.numVertices : known;
-            numbers[corner] = firstNumber + number;
-            size.numVertices += bNew ? 1U : 0U;
-            facets[i].number[k] = number;
+            corners[i].vertex[k] = corner;
+            const std::uint32_t known = numbers[corner];
+            const bool bNew = known < firstNumber;
+            const std::uint32_t given = bNew ? nextNumber : known;
+            numbers[corner] = given;
+            nextNumber += bNew ? 1U : 0U;
+            number[k] = given - firstNumber;
         }
+        facets[i] = {{number[0], number[1], number[2]}};
+        if (edges.fits()) edges.enter(facets[i], slots[i]);
     }
-    return size;
+    if (nextNumber - firstNumber != numExpected) state.failOpenCavity(1);
+    state.firstNumber = nextNumber;
+    return numbers[AT_INFINITY] >= firstNumber;
+}
+
+inline std::uint32_t countGhosts(const BatchState& state, std::uint32_t numFacets) {
+    std::uint32_t numGhosts = 0;
+    for (std::uint32_t i = 0; i < numFacets; ++i)
+        for (const VertexNumber corner : state.corners[i].vertex)
+            numGhosts += corner == AT_INFINITY ? 1U : 0U;
+    return numGhosts;
 }
 
 /// Makes the spheres of the new tetrahedra, four at a time. Returns which of them has the least
@@ -451,26 +461,23 @@ inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
 }
 
 /// Gives the new tetrahedra their corners and links.
-inline void linkTets(BatchState& state, std::uint32_t numFacets, std::uint32_t numVertices) {
+inline void linkTets(BatchState& state, std::uint32_t numFacets) {
     CompactTet* const tets = state.mesh.tets();
     const CavityFacet* const facets = state.facets.data();
+    const NewCorners* const corners = state.corners.data();
+    const FacetCode* const outer = state.outer.data();
     const Slot* const slots = state.region.data();
-    std::uint32_t* const table = state.edges.square(numVertices);
-    const unsigned shift = state.edges.getShift();
+    const EdgeTable::Square edges = state.edges.square(numFacets / 2 + 2);
     for (std::uint32_t i = 0; i < numFacets; ++i) {
-        const auto& number = facets[i].number;
-        const FacetCode first = facetCode(slots[i], 0);
-        table[number[0] << shift | number[1]] = first + 3;
-        table[number[1] << shift | number[2]] = first + 1;
-        table[number[2] << shift | number[0]] = first + 2;
-    }
-    for (std::uint32_t i = 0; i < numFacets; ++i) {
-        const auto& number = facets[i].number;
         CompactTet& tet = tets[slots[i]];
-        tet.link[1] = table[number[2] << shift | number[1]];
-        tet.link[2] = table[number[0] << shift | number[2]];
-        tet.link[3] = table[number[1] << shift | number[0]];
+        for (unsigned k = 0; k < 3; ++k) tet.vertex[k + 1] = corners[i].vertex[k];
+        tet.mark = 0;
+        tet.link[0] = outer[i];
+        if (edges.fits()) edges.link(facets[i], tet);
+        tets[slotOf(outer[i])].link[facetOf(outer[i])] = facetCode(slots[i], 0);
     }
+    if (!edges.fits())
+        state.failOpenCavity(state.edges.linkByHashing(state.facets, numFacets, slots, tets));
 }
 
 /// Replaces the region by tetrahedra from its boundary to the vertex. Returns where to start for
@@ -480,9 +487,9 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     if (numFacets > size.numDoomed) state.mesh.reserve(numFacets - size.numDoomed);
     state.growRegionLists(numFacets + 4, numFacets + 4);
     Slot* const slots = state.region.data();
-    const CavitySize cavity = listCorners(state, numFacets);
-    if (numFacets + 4 != 2 * cavity.numVertices) state.failOpenCavity(1);
     for (std::uint32_t i = size.numDoomed; i < numFacets; ++i) slots[i] = state.mesh.take();
+    const bool bAtHull = listCorners(state, numFacets);
+    const std::uint32_t numGhosts = bAtHull ? countGhosts(state, numFacets) : 0;
     for (std::uint32_t i = numFacets; i < size.numDoomed; ++i) state.mesh.release(slots[i]);
     // The last lanes may be no tetrahedra.
     for (std::uint32_t i = numFacets; i < numFacets + 3; ++i) {
@@ -491,27 +498,16 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     }
     const std::uint32_t nearest = makeNewSpheres(state, vertex, numFacets);
     state.mesh.resetDummy();
-    if (cavity.numVertices <= EdgeTable::MAX_SIDE)
-        linkTets(state, numFacets, cavity.numVertices);
-    else
-        state.failOpenCavity(
-            state.edges.linkByHashing(state.facets, numFacets, slots, state.mesh.tets()));
-    CompactTet* const tets = state.mesh.tets();
-    for (std::uint32_t i = 0; i < numFacets; ++i) {
-        CompactTet& tet = tets[slots[i]];
-        for (unsigned k = 0; k < 3; ++k) tet.vertex[k + 1] = state.corners[i].vertex[k];
-        tet.mark = 0;
-        tet.link[0] = state.outer[i];
-        tets[slotOf(state.outer[i])].link[facetOf(state.outer[i])] = facetCode(slots[i], 0);
-    }
-    if (!state.incident.empty())
+    linkTets(state, numFacets);
+    if (!state.incident.empty()) {
+        const CompactTet* const tets = state.mesh.tets();
         for (std::uint32_t i = 0; i < numFacets; ++i)
             for (const VertexNumber corner : tets[slots[i]].vertex)
                 state.incident[corner] = slots[i];
+    }
     state.mesh.vertices()[vertex].firstLabel = state.numMade;
-    state.numMade += numFacets - cavity.numGhosts;
-    state.numGhosts += cavity.numGhosts;
-    state.firstNumber += cavity.numVertices;
+    state.numMade += numFacets - numGhosts;
+    state.numGhosts += numGhosts;
     return slots[nearest];
 }
 
