@@ -19,6 +19,8 @@ constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
 /// The same seen from outside.
 constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
+constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
+
 inline double larger(double a, double b) {
     return a < b ? b : a;
 }
@@ -73,7 +75,6 @@ inline double sphereTest(const Row& a, const Row& b, const Row& c, const Row& d)
 /// with each of the permanent's 24 terms replaced by the product of the largest components.
 /// Differences too large for that leave everything to the predicates.
 double sphereBound(const Extent& extent, const GeomTest3& predicates) {
-    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
     const double bound = 32.0 * predicates.getConstants().isperrboundA *
                              (extent.x * extent.y * extent.z) * extent.lift +
                          GeomTest3::UNDERFLOW_GUARD;
@@ -82,9 +83,18 @@ double sphereBound(const Extent& extent, const GeomTest3& predicates) {
 
 /// The same for orientationOf.
 double orientationBound(const Extent& extent, const GeomTest3& predicates) {
-    constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
     return extent.lift < MAX_LIFT ? predicates.getOrientationBound(extent.x, extent.y, extent.z)
                                   : std::numeric_limits<double>::infinity();
+}
+
+/// Prefetches the vertices beyond the facets of a doomed tetrahedron, from neighbours that were
+/// prefetched when it was doomed.
+inline void prefetchBeyond(const Tet3* tet) {
+    for (int i = 0; i < 4; ++i) {
+        const Tet3* outer = MeshAccess::neighbour(tet, i);
+        if (outer != nullptr)
+            prefetchRecord(MeshAccess::corner(outer, MeshAccess::indexOfNeighbour(outer, tet)));
+    }
 }
 
 }  // namespace
@@ -174,16 +184,7 @@ inline void Cavity::doom(Tet3* tet) {
     for (int i = 0; i < 4; ++i) prefetchRecord(MeshAccess::neighbour(tet, i));
 }
 
-/// Prefetches the vertices beyond the facets of a doomed tetrahedron, from neighbours that were
-/// prefetched when it was doomed.
-inline void prefetchBeyond(const Tet3* tet) {
-    for (int i = 0; i < 4; ++i) {
-        const Tet3* outer = MeshAccess::neighbour(tet, i);
-        if (outer != nullptr)
-            prefetchRecord(MeshAccess::corner(outer, MeshAccess::indexOfNeighbour(outer, tet)));
-    }
-}
-
+/// Breadth first: what is prefetched for one tetrahedron arrives while those before it are visited.
 void Cavity::growRegion() {
     for (std::size_t i = 0; i < region.size(); ++i) {
         if (i + 2 < region.size()) prefetchBeyond(region[i + 2]);

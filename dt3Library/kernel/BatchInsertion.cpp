@@ -85,10 +85,13 @@ void BatchInsertion::setUpState() {
 
 void BatchInsertion::insertAll(Slot start) {
     const auto numVertices = static_cast<VertexNumber>(points.size() - 1);
+    if (firstNew > numVertices) return;
     VertexNumber vertex = firstNew;
-    // Four steps a vertex are far more than walks take where the order leads from each vertex to
-    // one beside it.
-    for (; vertex <= numVertices && state->numSteps <= 4 * std::uint64_t{vertex - firstNew} + 4096;
+    // Where the order leads from each vertex to one beside it, walks take less than a step a vertex
+    // in a mesh of these vertices only, and a few in one that had others before.
+    const std::uint64_t maxSteps = 4 * std::uint64_t{numVertices} / (numVertices + 1 - firstNew);
+    for (; vertex <= numVertices &&
+           state->numSteps <= maxSteps * std::uint64_t{vertex - firstNew} + 4096;
          ++vertex)
         start = steps.insertVertex(*state, vertex, start);
     if (vertex > numVertices) return;

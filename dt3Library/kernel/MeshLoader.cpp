@@ -1,6 +1,7 @@
 #include "dt3Library/kernel/MeshLoader.h"
 
 #include "dt3Library/MeshAccess.h"
+#include "dt3Library/prefetch.h"
 
 namespace VARN3D {
 
@@ -12,6 +13,11 @@ void MeshLoader::load(const KernelSteps& steps) {
     tets.forEachFree([&](const Tet3* free) { isFree[records.indexOf(free)] = true; });
     tets.getPool().forEachBlock([&](Tet3* first, std::int32_t used) {
         for (const Tet3* record = first; record != first + used; ++record) {
+            // Neighbours lie anywhere in memory.
+            constexpr std::ptrdiff_t AHEAD = 6;
+            if (first + used - record > AHEAD)
+                for (int i = 0; i < 4; ++i)
+                    prefetchRecord(MeshAccess::neighbour(record + AHEAD, i));
             const Slot slot = mesh.take();
             if (isFree[slot - 1])
                 mesh.tets()[slot] = {};
@@ -25,19 +31,25 @@ void MeshLoader::load(const KernelSteps& steps) {
         if (isFree[i]) mesh.release(static_cast<Slot>(i) + 1);
 }
 
+/// Links go both ways at once, when the later one of two neighbours is loaded.
 void MeshLoader::loadRecord(const Tet3* record, Slot slot) {
-    CompactTet& tet = state.mesh.tets()[slot];
+    CompactTet* const compact = state.mesh.tets();
+    CompactTet& tet = compact[slot];
     tet.mark = 0;
-    for (int i = 0; i < 4; ++i) {
-        tet.vertex[i] = numberOfVertex[vertices.indexOf(MeshAccess::corner(record, i))];
-        const Tet3* neighbour = MeshAccess::neighbour(record, i);
-        const FacetCode here = facetCode(slot, static_cast<unsigned>(i));
+    for (unsigned i = 0; i < 4; ++i) {
+        const int corner = static_cast<int>(i);
+        tet.vertex[i] = numberOfVertex[vertices.indexOf(MeshAccess::corner(record, corner))];
+        const Tet3* neighbour = MeshAccess::neighbour(record, corner);
+        const FacetCode here = facetCode(slot, i);
         if (neighbour == nullptr) {
             hull.push_back(here);
-        } else {
-            const int there = MeshAccess::indexOfNeighbour(neighbour, record);
-            tet.link[i] = facetCode(slotOfRecord(neighbour), static_cast<unsigned>(there));
+            continue;
         }
+        const Slot there = slotOfRecord(neighbour);
+        if (there > slot) continue;
+        const auto facet = static_cast<unsigned>(MeshAccess::indexOfNeighbour(neighbour, record));
+        tet.link[i] = facetCode(there, facet);
+        compact[there].link[facet] = here;
     }
 }
 

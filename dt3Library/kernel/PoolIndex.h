@@ -17,7 +17,7 @@ class PoolIndex {
   public:
     explicit PoolIndex(const SimplePool<T>& pool) {
         pool.forEachBlock([this](T* first, std::int32_t used) {
-            inOrder.push_back({first, total});
+            inOrder.push_back({first, first + used, total});
             total += static_cast<std::size_t>(used);
         });
         byAddress = inOrder;
@@ -29,6 +29,10 @@ class PoolIndex {
 
     /// O(log of the number of blocks), here and below.
     std::size_t indexOf(const T* slot) const {
+        const std::less<const T*> precedes;
+        // Most slots lie in the largest block.
+        if (!precedes(slot, largest.first) && precedes(slot, largest.last))
+            return largest.start + static_cast<std::size_t>(slot - largest.first);
         const auto after = std::upper_bound(
             byAddress.begin(), byAddress.end(), slot,
             [](const T* p, const Block& block) { return std::less<const T*>()(p, block.first); });
@@ -45,9 +49,12 @@ class PoolIndex {
 
   private:
     struct Block {
-        T* first;
-        std::size_t start;
+        T* first = nullptr;
+        T* last = nullptr;
+        std::size_t start = 0;
     };
+
+    Block largest;
 
     std::vector<Block> inOrder;
     std::vector<Block> byAddress;
