@@ -115,6 +115,7 @@ void writeProfile(Report& report) {
     add("doomed", work.doomed);
     add("created", work.created);
     add("secondsStore", work.secondsStore);
+    add("secondsKernel", work.secondsKernel);
     add("secondsWalk", work.secondsWalk);
     add("secondsConflict", work.secondsConflict);
     add("secondsCreation", work.secondsCreation);
@@ -129,11 +130,7 @@ void writeProfile(Report&) {}
 
 }  // namespace
 
-#ifdef VARN3D_PROFILE
-const char* const engineName = "varn3d_profiled";
-#else
-const char* const engineName = "varn3d";
-#endif
+const char* const engineName = BENCH_ENGINE_NAME;
 
 void triangulate(Job& job, Report& report) {
     std::vector<std::vector<VARN3D::Point3>> batches = batchesOf(job);

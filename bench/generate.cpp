@@ -80,6 +80,14 @@ Points cube(const Arguments& arguments, Random& random) {
     return repeated(arguments.count(0), [&] { return random.uniformPosition(); });
 }
 
+/// COUNT, SIDE, X, Y, Z: uniform in a cube with its least corner there.
+Points placedCube(const Arguments& arguments, Random& random) {
+    const Position corner = {arguments.number(2), arguments.number(3), arguments.number(4)};
+    return repeated(arguments.count(0), [&] {
+        return sum(scaled(random.uniformPosition(), arguments.number(1)), corner);
+    });
+}
+
 Points gauss(const Arguments& arguments, Random& random) {
     return repeated(arguments.count(0), [&] { return random.normalPosition(); });
 }
@@ -257,6 +265,7 @@ using Shape = Points (*)(const Arguments&, Random&);
 
 const std::map<std::string, Shape> shapes = {
     {"cube", cube},
+    {"placed_cube", placedCube},
     {"gauss", gauss},
     {"clusters", clusters},
     {"sphere", sphere},

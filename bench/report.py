@@ -1,9 +1,8 @@
-"""Tables for docs/performance.md from the results of a run."""
+"""Tables in markdown from the results of a run."""
 
 import re
 import statistics
 
-OURS = "varn3d"
 BEGIN = "<!-- figures of bench/run: begin -->"
 END = "<!-- figures of bench/run: end -->"
 
@@ -36,25 +35,25 @@ def all_results(groups):
     return seen.values()
 
 
-def mesh_size(result):
-    counts = {r["tetrahedra"] for r in result.valid_reports(OURS)}
+def mesh_size(result, ours):
+    counts = {r["tetrahedra"] for r in result.valid_reports(ours)}
     return " / ".join(f"{count:,}" for count in sorted(counts)) or "–"
 
 
-def against_peers(groups, peers):
+def against_peers(groups, ours, peers):
     rows = []
     for result in all_results(groups):
-        row = [result.point_set.name, f"{result.point_set.points:,}", mesh_size(result)]
-        row.append(number(per_point(result, OURS, "seconds", 1e6)))
-        row[-1] = "failed" if OURS in result.faults else row[-1]
+        row = [result.point_set.name, f"{result.point_set.points:,}", mesh_size(result, ours)]
+        row.append(number(per_point(result, ours, "seconds", 1e6)))
+        row[-1] = "failed" if ours in result.faults else row[-1]
         for peer in peers:
-            ratio = number(median_or_none(result.ratios(peer, OURS)))
+            ratio = number(median_or_none(result.ratios(peer, ours)))
             row.append("failed" if peer in result.faults else ratio)
-        for engine in [OURS, *peers]:
+        for engine in [ours, *peers]:
             row.append(number(per_point(result, engine, "peakBytes", 1.0), 0))
         rows.append(row)
     head = ["set", "points", "tetrahedra", "µs a point", *(f"× {peer}" for peer in peers)]
-    return table(head + [f"B a point {engine}" for engine in [OURS, *peers]], rows)
+    return table(head + [f"B a point {engine}" for engine in [ours, *peers]], rows)
 
 
 def faults(groups):
@@ -65,7 +64,7 @@ def faults(groups):
     return "\n".join(lines)
 
 
-def against_base(groups):
+def against_base(groups, ours):
     """Costs relative to the group's base, both within each round."""
     rows = []
     for group, results in groups:
@@ -75,14 +74,14 @@ def against_base(groups):
                 continue
             points = base.point_set.points / result.point_set.points
             costs = [
-                points * a / b for a, b in zip(result.seconds(OURS), base.seconds(OURS)) if b > 0
+                points * a / b for a, b in zip(result.seconds(ours), base.seconds(ours)) if b > 0
             ]
             cost = median_or_none(costs)
-            size = per_point(result, OURS, "tetrahedra", 1.0)
-            base_size = per_point(base, OURS, "tetrahedra", 1.0)
+            size = per_point(result, ours, "tetrahedra", 1.0)
+            base_size = per_point(base, ours, "tetrahedra", 1.0)
             a_tetrahedron = cost * base_size / size if cost is not None and size else None
             rows.append(
-                [name, group.base, number(per_point(result, OURS, "seconds", 1e6)), number(size),
+                [name, group.base, number(per_point(result, ours, "seconds", 1e6)), number(size),
                  number(cost), number(a_tetrahedron)]
             )
     head = ["set", "base", "µs a point", "tetrahedra a point", "× base a point",
@@ -112,7 +111,7 @@ def queries(groups, engines):
     return table(head, rows)
 
 
-PHASES = ("Store", "Walk", "Conflict", "Creation", "Hull")
+PHASES = ("Store", "Kernel", "Walk", "Conflict", "Creation", "Hull")
 STAGES = ("filter", "lattice", "small integers", "larger integers")
 
 
@@ -147,40 +146,50 @@ def profiles(groups):
         )
     phase_head = ["set", *(f"{phase.lower()} %" for phase in PHASES), "other %", "facets walked",
                   "sphere tests", "doomed", "created", "longest walk", "outside hull %"]
-    stage_head = ["set", "sphere tests past the shared bound %",
+    stage_head = ["set", "sphere tests past the first bound %",
                   *(f"sphere {stage} %" for stage in STAGES),
                   *(f"orientation {stage} %" for stage in STAGES)]
     return table(phase_head, phase_rows), table(stage_head, stage_rows)
 
 
-def markdown(machine, revision, rounds, groups, peers):
+def markdown(machine, revision, rounds, groups, ours, peers, brief=False):
     parts = [
         f"Revision {revision}, {machine['date']}, {machine['cpu']}, {machine['compiler']}; "
         f"rounds: {rounds}; one thread, pinned to one core. A ratio × above 1 says how many times "
-        "faster than that engine Varn3D is: the median of the ratios within the rounds. Times a "
+        f"faster than that engine {ours} is: the median of the ratios within the rounds. Times a "
         "point are medians of the triangulation alone; memory is the peak above the input. "
         "Engines whose mesh failed the check, or that took too long, show no time; those more "
         "than eight times slower ran once.",
         "### Against the peers",
-        against_peers(groups, peers),
+        against_peers(groups, ours, peers),
         faults(groups),
+    ]
+    if not brief:
+        parts += further_tables(groups, ours, peers)
+    return "\n\n".join(part for part in parts if part) + "\n"
+
+
+def further_tables(groups, ours, peers):
+    parts = [
         "### Against uniform points",
-        against_base(groups),
+        against_base(groups, ours),
         "### Listing and locating",
-        queries(groups, [OURS, *(p for p in peers if p.startswith("cgal"))]),
+        queries(groups, [ours, *(p for p in peers if p.startswith("cgal"))]),
     ]
     if any(result.profile for result in all_results(groups)):
         phases, stages = profiles(groups)
         parts += [
             "### Where the time goes",
-            "From the counting variant of the library, which runs slower; facets walked, sphere tests, "
-            "doomed and created tetrahedra are counts an insertion.",
+            "From the counting variant of the library, which runs slower. The batch kernel is timed "
+            "as a whole; walk, conflict, creation and hull are those of points inserted into the "
+            "records, and so are the counts, which are counts an insertion.",
             phases,
             "Which stage decides, among the calls that reach the predicates themselves (most sphere "
-            "tests end at the bound that all tests of an insertion share):",
+            "tests end before, at a cached sphere of the kernel or at the first bound of an "
+            "insertion into the records):",
             stages,
         ]
-    return "\n\n".join(part for part in parts if part) + "\n"
+    return parts
 
 
 def replace_figures(path, text):

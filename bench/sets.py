@@ -3,6 +3,7 @@
 from dataclasses import dataclass
 
 ONE_BY_ONE = 0
+K, M = 1000, 1000000
 
 
 @dataclass(frozen=True)
@@ -38,6 +39,10 @@ def cube(name, points, **how):
     return PointSet(name, points, ("cube", points), **how)
 
 
+def in_batches_of(size, points):
+    return cube(f"batches_{size}_{points // K}k", points, batches=points // size)
+
+
 def along_each_axis(name, points, shape, axes="xyz"):
     """shape holds None where the axis goes."""
     return tuple(
@@ -50,14 +55,13 @@ def rods(name, points):
     return along_each_axis(name, points, ("box", points, None, 1, 1e-3))
 
 
-K, M = 1000, 1000000
-
 SCALE = Group(
     "scale",
     "uniform_100k",
     (
         cube("uniform_100k", 100 * K),
         cube("uniform_10k", 10 * K),
+        cube("uniform_300k", 300 * K),
         cube("uniform_1M", M),
         cube("uniform_3M", 3 * M),
         cube("uniform_10M", 10 * M),
@@ -69,6 +73,9 @@ MEDIUM = Group(
     "uniform_200k",
     (
         cube("uniform_200k", 200 * K),
+        in_batches_of(1000, 200 * K),
+        in_batches_of(100, 200 * K),
+        in_batches_of(10, 200 * K),
         cube("singles_200k", 200 * K, batches=ONE_BY_ONE),
         PointSet("sphere_200k", 200 * K, ("sphere", 200 * K)),
         PointSet("grid_60", 60**3, ("grid", 60, 0, 1), unique=False),
@@ -82,6 +89,7 @@ MEDIUM = Group(
             PointSet(f"rod_{axis}_singles_200k", 200 * K, ("box", 200 * K, axis, 1, 1e-3), ONE_BY_ONE)
             for axis in "xy"
         ),
+        PointSet("map_200k", 200 * K, ("placed_cube", 200 * K, 1000, 6e6, 5e5, 0)),
         PointSet("far_clusters_200k", 200 * K, ("shuffled_far_cubes", 200 * K, 2, 1e6, 1)),
         PointSet("far_clusters_in_turn_200k", 200 * K, ("far_cubes", 200 * K, 2, 1e6, 1), batches=2),
         PointSet("scan", 1839, ("text", "examples/data/bunny.xyz")),
