@@ -60,7 +60,7 @@ inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
         power = least.value;
         slot = slotOf(tet.link[least.lane]);
     }
-    slot = state.exact.walk(slot, vertex);
+    slot = state.exact.walk(slot, vertex, state.numSteps);
     engineCheck(state.exact.isInConflict(slot, vertex),
                 "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
     return slot;
