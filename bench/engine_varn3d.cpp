@@ -112,9 +112,12 @@ void writeProfile(Report& report) {
     add("longestWalk", work.longestWalk);
     add("sphereTests", work.sphereTests);
     add("sphereTestsBeyondBound", work.sphereTestsBeyondBound);
+    add("tetsPassed", work.tetsPassed);
+    add("openLooks", work.openLooks);
     add("doomed", work.doomed);
     add("created", work.created);
     add("secondsStore", work.secondsStore);
+    add("secondsKernel", work.secondsKernel);
     add("secondsWalk", work.secondsWalk);
     add("secondsConflict", work.secondsConflict);
     add("secondsCreation", work.secondsCreation);

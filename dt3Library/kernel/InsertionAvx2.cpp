@@ -4,6 +4,7 @@
 
 #include "dt3Library/EngineCheck.h"
 #include "dt3Library/FloatingPoint.h"
+#include "dt3Library/Profile.h"
 #include "dt3Library/bits.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/CertifiedSphere.h"

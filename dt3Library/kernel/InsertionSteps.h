@@ -256,6 +256,7 @@ inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const La
     OpenLooks finite;
     unsigned conflicts = 0;
     unsigned looksAtGhosts = 0;
+    VARN3D_COUNT(openLooks, bitCount(open));
     for (; open != 0; open &= open - 1) {
         const unsigned look = lowestBit(open);
         const Slot slot = slotOf(links[look]);
@@ -351,6 +352,7 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         }
         for (unsigned i = 0; i < WIDTH; ++i) region[numDoomed + i] = CompactMesh::DUMMY;
     }
+    VARN3D_COUNT(doomed, numDoomed);
     return {numDoomed, numFacets};
 }
 
