@@ -1,5 +1,5 @@
 // No include guard: compiled once for each kind of processor, inside a namespace that holds the
-// lanes for it. See InsertionPortable.cpp.
+// lanes for it. See stepsPortable.h and stepsAvx2.h.
 
 /// How many tetrahedra of the region are visited in one step.
 constexpr unsigned WIDTH = 4;
