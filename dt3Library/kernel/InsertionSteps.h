@@ -281,6 +281,35 @@ inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const La
     return conflicts;
 }
 
+/// What a step's looks at neighbours say, a bit each: certainly in conflict, certainly not, met
+/// before in this insertion.
+struct Looks {
+    unsigned inside;
+    unsigned outside;
+    unsigned seen;
+};
+
+/// Looks at the neighbours of a step's tetrahedra, and leaves the insertion's mark on all of them,
+/// whatever they turn out to be.
+inline Looks lookAround(CompactTet* tets, const Slot (&present)[WIDTH], const LanePositions& p,
+                        VertexNumber vertex) {
+    const Lanes innerFactor = allLanes(1.0 - ProvedCertificate::ETA);
+    const Lanes outerFactor = allLanes(1.0 + ProvedCertificate::ETA);
+    Looks looks{0, 0, 0};
+    for (unsigned i = 0; i < WIDTH; ++i) {
+        const CompactTet& tet = tets[present[i]];
+        CompactTet* const neighbours[4] = {tets + slotOf(tet.link[0]), tets + slotOf(tet.link[1]),
+                                           tets + slotOf(tet.link[2]), tets + slotOf(tet.link[3])};
+        const auto& [a, b, c, d] = neighbours;
+        const Look look = lookAt(a, b, c, d, p);
+        looks.inside |= whereLess(look.squaredDistance, look.squaredRadius * innerFactor) << 4 * i;
+        looks.outside |= whereLess(look.squaredRadius * outerFactor, look.squaredDistance) << 4 * i;
+        looks.seen |= markedOf(a, b, c, d, vertex) << 4 * i;
+        for (CompactTet* const neighbour : neighbours) neighbour->mark = vertex;
+    }
+    return looks;
+}
+
 struct RegionSize {
     std::uint32_t numDoomed;
     std::uint32_t numFacets;
@@ -288,12 +317,10 @@ struct RegionSize {
 
 /// Gathers the conflict region and its boundary, breadth first and several tetrahedra a step. No
 /// branch depends on an outcome, for none can be predicted: candidates are always written, and the
-/// ends of the lists advance by the outcomes. All neighbours get the insertion's mark, whatever
-/// they turn out to be; it only keeps a tetrahedron from being listed twice.
+/// ends of the lists advance by the outcomes. The mark only keeps a tetrahedron from being listed
+/// twice.
 inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start) {
     const LanePositions p = positionOf(state.mesh.vertices()[vertex].at);
-    const Lanes innerFactor = allLanes(1.0 - ProvedCertificate::ETA);
-    const Lanes outerFactor = allLanes(1.0 + ProvedCertificate::ETA);
     CompactTet* const tets = state.mesh.tets();
     std::uint32_t numDoomed = 1;
     std::uint32_t numFacets = 0;
@@ -314,21 +341,7 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         }
         const Slot present[WIDTH] = {region[next], region[next + 1], region[next + 2],
                                      region[next + 3]};
-        unsigned inside = 0;
-        unsigned outside = 0;
-        unsigned seen = 0;
-        for (unsigned i = 0; i < WIDTH; ++i) {
-            const CompactTet& tet = tets[present[i]];
-            CompactTet* const neighbours[4] = {
-                tets + slotOf(tet.link[0]), tets + slotOf(tet.link[1]), tets + slotOf(tet.link[2]),
-                tets + slotOf(tet.link[3])};
-            const auto& [a, b, c, d] = neighbours;
-            const Look look = lookAt(a, b, c, d, p);
-            inside |= whereLess(look.squaredDistance, look.squaredRadius * innerFactor) << 4 * i;
-            outside |= whereLess(look.squaredRadius * outerFactor, look.squaredDistance) << 4 * i;
-            seen |= markedOf(a, b, c, d, vertex) << 4 * i;
-            for (CompactTet* const neighbour : neighbours) neighbour->mark = vertex;
-        }
+        auto [inside, outside, seen] = lookAround(tets, present, p, vertex);
         const unsigned valid = (1U << 4 * numPresent) - 1U;
         inside &= valid;
         outside &= valid;

@@ -36,6 +36,8 @@ void MeshLoader::loadRecord(const Tet3* record, Slot slot) {
     CompactTet* const compact = state.mesh.tets();
     CompactTet& tet = compact[slot];
     tet.mark = 0;
+    // A neighbour that doesn't know this record leaves its link as it is.
+    for (FacetCode& link : tet.link) link = facetCode(CompactMesh::DUMMY, 0);
     for (unsigned i = 0; i < 4; ++i) {
         const int corner = static_cast<int>(i);
         tet.vertex[i] = numberOfVertex[vertices.indexOf(MeshAccess::corner(record, corner))];
