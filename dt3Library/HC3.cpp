@@ -212,7 +212,13 @@ Tet3* HC3::findStartTet(const Point3& point, std::size_t entriesASide) {
     return vertexTable.findTet(vertexTable.lowerBound(point), point, entriesASide);
 }
 
+HC3::Mark HC3::mark() const {
+    return {vertices.mark(), numVertices, bbox, grid, bValid, bPoolInCurveOrder, bFirstEnlargement};
+}
+
 void HC3::rewind(const Mark& mark) noexcept {
+    // The margin that the batch may have taken is left for its repetition.
+    if (mark.bFirstMarginLeft) bFirstEnlargement = true;
     vertices.rewind(mark.vertices);
     numVertices = mark.numVertices;
     bbox = mark.bbox;

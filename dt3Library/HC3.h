@@ -57,10 +57,9 @@ class HC3 {
         HilbertGrid grid;
         bool bValid;
         bool bPoolInCurveOrder;
+        bool bFirstMarginLeft;
     };
-    Mark mark() const {
-        return {vertices.mark(), numVertices, bbox, grid, bValid, bPoolInCurveOrder};
-    }
+    Mark mark() const;
     /// The store is as it was at the mark: vertices stored since are gone.
     void rewind(const Mark& mark) noexcept;
 
