@@ -112,6 +112,8 @@ void writeProfile(Report& report) {
     add("longestWalk", work.longestWalk);
     add("sphereTests", work.sphereTests);
     add("sphereTestsBeyondBound", work.sphereTestsBeyondBound);
+    add("tetsPassed", work.tetsPassed);
+    add("openLooks", work.openLooks);
     add("doomed", work.doomed);
     add("created", work.created);
     add("secondsStore", work.secondsStore);

@@ -135,7 +135,8 @@ def profiles(groups):
             [result.point_set.name]
             + [number(s / work["secondsTotal"], 0, 100.0) for s in [*seconds, other]]
             + [number(work[key] / points, 1)
-               for key in ("facetTests", "sphereTests", "doomed", "created")]
+               for key in ("tetsPassed", "openLooks", "facetTests", "sphereTests", "doomed",
+                           "created")]
             + [number(work["longestWalk"], 0), number(work["hullInsertions"] / points, 2, 100.0)]
         )
         beyond = work["sphereTestsBeyondBound"] / max(work["sphereTests"], 1)
@@ -144,8 +145,9 @@ def profiles(groups):
             + stage_shares(work["sphereStages"])
             + stage_shares(work["orientationStages"])
         )
-    phase_head = ["set", *(f"{phase.lower()} %" for phase in PHASES), "other %", "facets walked",
-                  "sphere tests", "doomed", "created", "longest walk", "outside hull %"]
+    phase_head = ["set", *(f"{phase.lower()} %" for phase in PHASES), "other %",
+                  "tetrahedra passed", "open looks", "facets walked", "sphere tests", "doomed",
+                  "created", "longest walk", "outside hull %"]
     stage_head = ["set", "sphere tests past the first bound %",
                   *(f"sphere {stage} %" for stage in STAGES),
                   *(f"orientation {stage} %" for stage in STAGES)]

@@ -11,6 +11,8 @@
 namespace VARN3D {
 
 struct Profile {
+    // Of batches as well as vertex by vertex: insertions, doomed (in batches ghosts as well) and
+    // created.
     std::uint64_t insertions = 0;
     std::uint64_t hullInsertions = 0;
     std::uint64_t facetTests = 0;
@@ -22,6 +24,12 @@ struct Profile {
     /// Facets crossed around hull edges, on the way from a hull facet to the next.
     std::uint64_t facetsTurned = 0;
     std::uint64_t created = 0;
+
+    // Of batches only. What is not decided there goes to the predicates, which count by themselves.
+    /// Tetrahedra that walks have passed through.
+    std::uint64_t tetsPassed = 0;
+    /// Looks at tetrahedra from a new vertex that cached spheres have left open.
+    std::uint64_t openLooks = 0;
 
     double secondsStore = 0.0;
     double secondsKernel = 0.0;

@@ -8,7 +8,7 @@
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/Tet3.h"
-#include "tests/support/SphereEdges.h"
+#include "tests/support/LaneSpheres.h"
 
 namespace {
 
@@ -41,7 +41,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         size -= 2;
         return value * 0x1p-16;
     };
-    const auto spheres = support::scalarSpheres<ProvedCertificate>("scalar");
-    support::SphereAttack(spheres, unit).run(compare);
+    const std::uint8_t* const begin = data;
+    const std::size_t all = size;
+    for (const support::Spheres& spheres : support::kernelSpheres()) {
+        data = begin;
+        size = all;
+        support::SphereAttack(spheres, unit).run(compare);
+    }
     return 0;
 }

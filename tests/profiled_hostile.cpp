@@ -10,6 +10,7 @@
 
 #include "dt3Library/Profile.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/predicateStages.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/PointSets.h"
 
@@ -88,55 +89,75 @@ Points momentCurve(int n) {
 
 enum class Mode { Batch, Singles, FarBatches };
 
+/// What a batch may do: looks that cached spheres leave open, and tests that go on to integers
+/// since no determinant in doubles can tell, for each tetrahedron that it creates; tetrahedra that
+/// walks pass through, for each point.
+struct Limits {
+    double openLooks = 0.2, byIntegers = 0.001, passed = 1.2;
+};
+
 struct Case {
     const char* name;
     Points (*make)();
+    Limits limits = {};
     Mode mode = Mode::Batch;
+    friend void PrintTo(const Case& set, std::ostream* out) { *out << set.name; }
 };
 
 const Case CASES[] = {
     {"uniform", [] { return support::uniform(scaled(20000), 1); }},
     {"rodX", [] { return box(scaled(20000), 1, 1e-3, 1e-3); }},
-    {"rodY", [] { return box(scaled(20000), 1e-3, 1, 1e-3); }},
-    {"rodZ", [] { return box(scaled(20000), 1e-3, 1e-3, 1); }},
-    {"thinRodY", [] { return box(scaled(20000), 1e-9, 1, 1e-9); }},
-    {"slabX", [] { return box(scaled(20000), 1e-3, 1, 1); }},
+    {"rodY", [] { return box(scaled(20000), 1e-3, 1, 1e-3); }, {0.2, 0.001, 2.5}},
+    {"rodZ", [] { return box(scaled(20000), 1e-3, 1e-3, 1); }, {0.2, 0.001, 2.5}},
+    {"thinRodY", [] { return box(scaled(20000), 1e-9, 1, 1e-9); }, {4, 0.06, 12}},
+    {"slabX", [] { return box(scaled(20000), 1e-3, 1, 1); }, {0.2, 0.001, 2.5}},
     {"slabY", [] { return box(scaled(20000), 1, 1e-3, 1); }},
     {"slabZ", [] { return box(scaled(20000), 1, 1, 1e-3); }},
-    {"helixX", [] { return helixAlong(0, scaled(20000)); }},
-    {"helixY", [] { return helixAlong(1, scaled(20000)); }},
-    {"helixZ", [] { return helixAlong(2, scaled(20000)); }},
+    {"helixX", [] { return helixAlong(0, scaled(20000)); }, {2, 0.001, 60}},
+    {"helixY", [] { return helixAlong(1, scaled(20000)); }, {2, 0.001, 60}},
+    {"helixZ", [] { return helixAlong(2, scaled(20000)); }, {2, 0.001, 60}},
     {"outlierRandom",
      [] { return support::uniform(scaled(20000), 1) + Points{Point3(1e6, 1e6, 1e6)}; }},
     {"outlierSorted",
      [] { return sorted(support::uniform(scaled(20000), 1)) + Points{Point3(1e9, 0, -1e9)}; }},
-    {"nearlyCospherical", [] { return support::sphere(scaled(5000), 1); }},
-    {"cospherical", [] { return support::integerSphere(1001 * 25) + Points{Point3(0, 0, 0)}; }},
-    {"gridSorted", [] { return support::grid(scaledSide(20), scaledSide(20), scaledSide(20)); }},
+    {"nearlyCospherical", [] { return support::sphere(scaled(5000), 1); }, {6, 2, 12}},
+    {"cospherical",
+     [] { return support::integerSphere(1001 * 25) + Points{Point3(0, 0, 0)}; },
+     {4, 0.001, 8}},
+    {"gridSorted",
+     [] { return support::grid(scaledSide(20), scaledSide(20), scaledSide(20)); },
+     {1.2, 0.01}},
     {"gridShuffled",
      [] {
          return support::shuffled(
              support::grid(scaledSide(20), scaledSide(20), scaledSide(20), 0.1), 3);
-     }},
-    {"skewSegments", [] { return support::skewSegments(200); }},
+     },
+     {1.4, 1}},
+    {"skewSegments", [] { return support::skewSegments(200); }, {0.2, 0.001, 2.5}},
     {"planeAndApex",
-     [] { return support::planar(scaled(20000), 300, 1) + Points{Point3(5, 5, 1e3)}; }},
+     [] { return support::planar(scaled(20000), 300, 1) + Points{Point3(5, 5, 1e3)}; },
+     {4, 0.01}},
     {"lineAndTwo",
      [] {
          Points points = box(scaled(5000), 1, 0, 0);
          return points + Points{Point3(0.3, 1, 0), Point3(0.6, 0, 1)};
-     }},
-    {"duplicates", [] { return support::lattice(scaled(50000), 4, 4, 4, 1); }},
+     },
+     {7, 0.5, 7}},
+    {"duplicates", [] { return support::lattice(scaled(50000), 4, 4, 4, 1); }, {4, 0.02}},
     {"lastBits", [] { return lastBits(scaled(20000)); }},
-    {"nestedClusters", [] { return nestedClusters(scaled(20000)); }},
-    {"farBatches", [] { return support::uniform(scaled(5000), 1); }, Mode::FarBatches},
-    {"rodXSingles", [] { return box(scaled(5000), 1, 1e-3, 1e-3); }, Mode::Singles},
-    {"rodYSingles", [] { return box(scaled(5000), 1e-3, 1, 1e-3); }, Mode::Singles},
-    {"gridSortedSingles", [] { return support::grid(12, 12, 12); }, Mode::Singles},
+    {"nestedClusters", [] { return nestedClusters(scaled(20000)); }, {4, 2.5, 12}},
+    {"farBatches",
+     [] { return support::uniform(scaled(5000), 1); },
+     {0.2, 0.001, 12},
+     Mode::FarBatches},
+    {"rodXSingles", [] { return box(scaled(5000), 1, 1e-3, 1e-3); }, {}, Mode::Singles},
+    {"rodYSingles", [] { return box(scaled(5000), 1e-3, 1, 1e-3); }, {}, Mode::Singles},
+    {"gridSortedSingles", [] { return support::grid(12, 12, 12); }, {}, Mode::Singles},
     {"outlierSingles",
      [] { return Points{Point3(1e9, 0, -1e9)} + support::uniform(scaled(5000), 1); },
+     {},
      Mode::Singles},
-    {"momentSingles", [] { return momentCurve(300); }, Mode::Singles},
+    {"momentSingles", [] { return momentCurve(300); }, {}, Mode::Singles},
 };
 
 void insertAll(Varn_3D& mesh, Points points, Mode mode) {
@@ -151,33 +172,49 @@ void insertAll(Varn_3D& mesh, Points points, Mode mode) {
     }
 }
 
+/// How many predicates have needed more than doubles.
+std::uint64_t numByIntegers() {
+    const VARN3D::PredicateCounters& counters = VARN3D::predicateCounters();
+    std::uint64_t number = 0;
+    for (auto stage = static_cast<int>(VARN3D::PredicateStage::SmallInteger);
+         stage < VARN3D::NUM_PREDICATE_STAGES; ++stage)
+        number += counters.sphere[stage] + counters.orientation[stage];
+    return number;
+}
+
 class Hostile : public testing::TestWithParam<Case> {};
 
 TEST_P(Hostile, validAndCheap) {
     const Case& set = GetParam();
+    VARN3D::profile() = {};
+    VARN3D::predicateCounters() = {};
     Varn_3D mesh;
-    bool bValid = false;
+    support::outputOf([&] { insertAll(mesh, set.make(), set.mode); });
+    const Profile work = VARN3D::profile();
+    const auto perPoint = [&work](std::uint64_t count) {
+        return static_cast<double>(count) / static_cast<double>(work.insertions);
+    };
+    const double created = perPoint(work.created);
+    const double passed = perPoint(work.tetsPassed);
+    const double walked = perPoint(work.facetTests);
+    const double turned = perPoint(work.facetsTurned);
+    const double tests = perPoint(work.sphereTests) / created;
+    const double open = perPoint(work.openLooks) / created;
+    const double integers = perPoint(numByIntegers()) / created;
     std::vector<VARN3D::Tet3*> tets;
-    support::outputOf([&] {
-        insertAll(mesh, set.make(), set.mode);
-        mesh.getTetrahedra(tets);
-        bValid = mesh.checkValidity(set.name, true);
-    });
-    EXPECT_TRUE(bValid);
-
-    const Profile& work = VARN3D::profile();
-    const auto insertions = static_cast<double>(work.insertions);
-    const double walk = static_cast<double>(work.facetTests) / insertions;
-    const double created = static_cast<double>(work.created) / insertions;
-    const double turned = static_cast<double>(work.facetsTurned) / insertions;
-    const double tests = static_cast<double>(work.sphereTests) / static_cast<double>(work.created);
+    mesh.getTetrahedra(tets);
     std::cout << std::fixed << std::setprecision(1) << "| " << set.name << " | " << work.insertions
-              << " | " << tets.size() << " | " << created << " | " << walk << " | "
-              << work.longestWalk << " | " << turned << " | " << tests << " |" << std::endl;
+              << " | " << tets.size() << " | " << created << " | " << passed + walked << " | "
+              << work.longestWalk << " | " << turned << " | " << tests << " | "
+              << std::setprecision(3) << open << " | " << integers << " |" << std::endl;
+    EXPECT_LT(passed, set.limits.passed) << "tetrahedra passed a point, 0.2 on uniform points";
+    EXPECT_LT(open, set.limits.openLooks) << "undecided looks a created tetrahedron";
+    EXPECT_LT(integers, set.limits.byIntegers) << "tests by integers a created tetrahedron";
     EXPECT_LT(work.longestWalk, 2500U) << "the watchdog barks at 10000";
-    EXPECT_LT(walk, 20.0 + 3.0 * created) << "facets tested a point, 13 on uniform points";
+    EXPECT_LT(walked, 20.0 + 3.0 * created) << "facets tested a point, 13 on uniform points";
     EXPECT_LT(turned, 20.0 + 5.0 * created) << "facets crossed around hull edges";
     EXPECT_LT(tests, 4.0) << "sphere tests a created tetrahedron, 1.8 on uniform points";
+    EXPECT_TRUE(mesh.checkValidity(set.name, true));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sets, Hostile, testing::ValuesIn(CASES),

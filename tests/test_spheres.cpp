@@ -13,8 +13,8 @@
 #include "dt3Library/kernel/CertifiedSphere.h"
 #include "dt3Library/kernel/ExactFrame.h"
 #include "tests/support/Exact.h"
+#include "tests/support/LaneSpheres.h"
 #include "tests/support/PointSets.h"
-#include "tests/support/SphereEdges.h"
 
 namespace {
 
@@ -46,7 +46,9 @@ Tally attack(const Spheres& spheres, int numFamilies) {
 }
 
 TEST(Spheres, certifiedAnswersAreTrue) {
-    for (const Spheres& spheres : {scalarSpheres<ProvedCertificate>("scalar")}) {
+    std::vector<Spheres> all = support::kernelSpheres();
+    all.push_back(scalarSpheres<ProvedCertificate>("scalar"));
+    for (const Spheres& spheres : all) {
         const Tally tally = attack(spheres, 1000);
         EXPECT_EQ(tally.numWrong, 0) << spheres.name;
         EXPECT_GT(tally.numSpheres, 700) << spheres.name;

@@ -2,6 +2,7 @@
 
 #include "dt3Library/InsertionOrder.h"
 #include "dt3Library/MeshAccess.h"
+#include "dt3Library/Profile.h"
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "dt3Library/kernel/RecordWriter.h"
@@ -34,6 +35,9 @@ Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     MeshLoader loader(tets, records, storeIndex, numberInStore, *state);
     loader.load(steps);
     insertAll(loader.slotOfRecord(pStart));
+    VARN3D_COUNT(insertions, points.size() - firstNew);
+    VARN3D_COUNT(tetsPassed, state->numSteps);
+    VARN3D_COUNT(created, state->numMade);
     return RecordWriter(*state, points, firstNew, records).writeTo(tets);
 }
 

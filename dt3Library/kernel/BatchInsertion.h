@@ -25,7 +25,7 @@ namespace VARN3D {
 class BatchInsertion {
   public:
     /// Whether a batch is large enough against the mesh to pay for taking over the mesh.
-    static bool pays(std::size_t numNew, std::size_t numInMesh) { return 3 * numNew >= numInMesh; }
+    static bool pays(std::size_t numNew, std::size_t numInMesh) { return numNew >= numInMesh; }
 
     BatchInsertion(const GeomTest3& geomTest, const KernelSteps& kernelSteps, TetRecycler& recycler,
                    const HC3& vertexStore);

@@ -48,7 +48,7 @@ bool ExactTests::isInConflict(Slot slot, VertexNumber point) const {
     return isInSphere(slotOf(tet.link[atInfinity]), point);
 }
 
-Slot ExactTests::walk(Slot start, VertexNumber point) const {
+Slot ExactTests::walk(Slot start, VertexNumber point, std::uint64_t& numSteps) const {
     constexpr unsigned NOT_ENTERED = 4;
     const CompactTet* const tets = mesh.tets();
     Slot slot = start;
@@ -59,6 +59,7 @@ Slot ExactTests::walk(Slot start, VertexNumber point) const {
     // theorem for cell complexes, 1990).
     for (std::size_t steps = 0; steps <= mesh.numSlots(); ++steps) {
         const CompactTet& tet = tets[slot];
+        ++numSteps;
         if (tet.cornerAtInfinity() < 4) return slot;
         unsigned facet = 0;
         while (facet < 4 &&

@@ -22,9 +22,10 @@ class ExactTests {
     /// determinants can't tell.
     bool isInSphere(Slot tet, VertexNumber point) const;
 
-    /// A visibility walk to a tetrahedron in conflict with the point. Ends on every mesh without
-    /// faults; where it does not, prints "watchDog: bad point", and a check fails.
-    Slot walk(Slot start, VertexNumber point) const;
+    /// A visibility walk to a tetrahedron in conflict with the point; counts the tetrahedra that it
+    /// passes through. Ends on every mesh without faults; where it does not, prints "watchDog: bad
+    /// point", and a check fails.
+    Slot walk(Slot start, VertexNumber point, std::uint64_t& numSteps) const;
 
   private:
     Point3 pointOf(VertexNumber vertex) const;

@@ -1,23 +1,6 @@
-#include <cmath>
-#include <cstdint>
-#include <limits>
-
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/bits.h"
-#include "dt3Library/kernel/BatchState.h"
-#include "dt3Library/kernel/CertifiedSphere.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/kernel/stepsPortable.h"
 
 namespace VARN3D {
-
-namespace portable {
-namespace {
-#include "dt3Library/kernel/lanesPortable.h"
-//
-#include "dt3Library/kernel/InsertionSteps.h"
-}  // namespace
-}  // namespace portable
 
 const KernelSteps& portableSteps() {
     static constexpr KernelSteps STEPS{portable::insertVertex, portable::makeSpheres};

@@ -1,5 +1,5 @@
 // No include guard: compiled once for each kind of processor, inside a namespace that holds the
-// lanes for it. See InsertionPortable.cpp.
+// lanes for it. See stepsPortable.h and stepsAvx2.h.
 
 /// How many tetrahedra of the region are visited in one step.
 constexpr unsigned WIDTH = 4;
@@ -60,7 +60,7 @@ inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
         power = least.value;
         slot = slotOf(tet.link[least.lane]);
     }
-    slot = state.exact.walk(slot, vertex);
+    slot = state.exact.walk(slot, vertex, state.numSteps);
     engineCheck(state.exact.isInConflict(slot, vertex),
                 "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
     return slot;
@@ -256,6 +256,7 @@ inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const La
     OpenLooks finite;
     unsigned conflicts = 0;
     unsigned looksAtGhosts = 0;
+    VARN3D_COUNT(openLooks, bitCount(open));
     for (; open != 0; open &= open - 1) {
         const unsigned look = lowestBit(open);
         const Slot slot = slotOf(links[look]);
@@ -351,6 +352,7 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         }
         for (unsigned i = 0; i < WIDTH; ++i) region[numDoomed + i] = CompactMesh::DUMMY;
     }
+    VARN3D_COUNT(doomed, numDoomed);
     return {numDoomed, numFacets};
 }
 

@@ -1,4 +1,4 @@
-// No include guard: part of InsertionAvx2.cpp, inside its namespace and its target.
+// No include guard: part of stepsAvx2.h, inside its namespace and its target.
 
 /// Four doubles at once.
 using Lanes = __m256d;

@@ -1,4 +1,4 @@
-// No include guard: part of InsertionPortable.cpp, inside its namespace.
+// No include guard: part of stepsPortable.h, inside its namespace.
 
 /// Four doubles, in loops that any compiler can turn into what the processor has.
 struct Lanes {

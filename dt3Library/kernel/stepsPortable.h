@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "dt3Library/EngineCheck.h"
+#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/Profile.h"
+#include "dt3Library/bits.h"
+#include "dt3Library/kernel/BatchState.h"
+#include "dt3Library/kernel/CertifiedSphere.h"
+#include "dt3Library/predicateStages.h"
+
+namespace VARN3D::portable {
+namespace {
+#include "dt3Library/kernel/lanesPortable.h"
+//
+#include "dt3Library/kernel/InsertionSteps.h"
+}  // namespace
+}  // namespace VARN3D::portable
