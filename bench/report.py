@@ -183,8 +183,9 @@ def further_tables(groups, ours, peers):
         parts += [
             "### Where the time goes",
             "From the counting variant of the library, which runs slower. The batch kernel is timed "
-            "as a whole; walk, conflict, creation and hull are those of points inserted into the "
-            "records, and so are the counts, which are counts an insertion.",
+            "as a whole; tetrahedra passed and open looks are counts of its own. Walk, conflict, "
+            "creation and hull, facets walked and sphere tests are those of insertions into the "
+            "records. All counts are counts an insertion.",
             phases,
             "Which stage decides, among the calls that reach the predicates themselves (most sphere "
             "tests end before, at a cached sphere of the kernel or at the first bound of an "

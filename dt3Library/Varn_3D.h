@@ -36,13 +36,13 @@ class Dt3;
 ///
 /// A failed check prints the condition and throws VarnException; std::bad_alloc is passed on. Where
 /// memory runs out in an insertion, either may be thrown; the mesh is then valid, and the object
-/// can be used on. A first batch, and one of at least as many new points as there were
-/// vertices, is then as if it had never been. Of a smaller batch, and of single insertions, the
-/// mesh has what was inserted before. Further points of these may wait as vertices: each joins the
-/// mesh when it is inserted singly again, and all do with the next batch. After any other failed
-/// check in an insertion, but that of coordinates that are not finite, vertices can still be read;
-/// but for that, the object can only be destroyed. Used by one thread at a time; different objects
-/// may be used by different threads.
+/// can be used on. A first batch, and one of at least as many new points as there were vertices, is
+/// then as if it had never been. Of a smaller batch, and of single insertions, the mesh has what
+/// was inserted before. Further points of these may wait as vertices: each joins the mesh when it
+/// is inserted singly again, and all do with the next batch. After any other failed check in an
+/// insertion, but that of coordinates that are not finite, vertices can still be read; but for
+/// that, the object can only be destroyed. Used by one thread at a time; different objects may be
+/// used by different threads.
 class VARN3D_EXPORT Varn_3D {
   public:
     /// A triangulation without points.
@@ -64,8 +64,9 @@ class VARN3D_EXPORT Varn_3D {
     /// Prints "numPoints=" and the number of points. A coordinate that is not finite is a failed
     /// check before anything is stored. O(n log n) expected for n points of which all but few lie
     /// as if at random in space; O(n^2) at worst, as the mesh itself may be of that size. A batch
-    /// of at least as many new points as there are vertices takes the whole mesh over, and all pointers to tetrahedra from before are void. A mesh that could grow
-    /// beyond 2^30 tetrahedra by such a batch counts as memory that runs out.
+    /// of at least as many new points as there are vertices takes the whole mesh over, and all
+    /// pointers to tetrahedra from before are void. A mesh that could grow beyond 2^30 tetrahedra
+    /// by such a batch counts as memory that runs out.
     void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// The same without the vertices.
     void insert(std::vector<Point3>& vInputPoints);
