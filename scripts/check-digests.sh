@@ -62,6 +62,9 @@ for compiler in g++ clang++; do
     done
     run_host "$build/g++-O2" $compiler -O3 -march=native -ffast-math
 done
+# The insertion's steps as processors without vectors of doubles run them.
+build_library "$build/portable" g++ -O2 -DVARN3D_NO_AVX2
+run_host "$build/portable" g++ -O2
 run_host "$build/g++-O2" g++ -O2 -mfpmath=387
 run_host "$build/clang++-O3" g++ -O3 -ffast-math -mfpmath=387
 echo "All $numGreen builds give the recorded meshes."

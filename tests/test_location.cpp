@@ -143,14 +143,18 @@ TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
         MeshAccess::neighbour(tets[0], i) = tets[1];
         MeshAccess::neighbour(tets[1], i) = tets[0];
     }
-    // Both tetrahedra have all these points beyond a facet other than that of entry, which is 0.
+    // Both tetrahedra have these points beyond two facets, so beyond one that the walk didn't enter
+    // by.
     const auto leavesBoth = [&](const Point3& p) {
         return std::all_of(tets.begin(), tets.end(), [&](const Tet3* tet) {
-            return side(tet, 1, p) < 0 || side(tet, 2, p) < 0 || side(tet, 3, p) < 0;
+            int numBeyond = 0;
+            for (int i = 0; i < 4; ++i) numBeyond += side(tet, i, p) < 0 ? 1 : 0;
+            return numBeyond >= 2;
         });
     };
     int numQueries = 0;
-    for (const Point3& p : {Point3(99, 99, 1), Point3(-99, 1, 2), Point3(1, -99, 2)}) {
+    for (const Point3& p :
+         {Point3(99, 99, 1), Point3(-99, -99, 0), Point3(-99, 9, 0), Point3(9, -99, 0)}) {
         if (!leavesBoth(p)) continue;
         ++numQueries;
         Tet3* tet = tets[0];

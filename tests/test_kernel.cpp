@@ -1,0 +1,304 @@
+// The parts of batch insertion by themselves, and what it makes of hostile meshes.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <map>
+#include <new>
+#include <vector>
+
+#include "dt3Library/Cavity.h"
+#include "dt3Library/CurveSort.h"
+#include "dt3Library/Dt3.h"
+#include "dt3Library/MeshAccess.h"
+#include "dt3Library/VarnException.h"
+#include "dt3Library/kernel/EarlierNeighbours.h"
+#include "dt3Library/kernel/MeshLoader.h"
+#include "support/CaptureOutput.h"
+#include "support/MeshDigest.h"
+#include "support/PointSets.h"
+
+namespace {
+
+using namespace VARN3D;
+using namespace support;
+
+/// The sizes of all coordinates, far apart.
+Points mixedExponents(std::size_t n) {
+    Random r(3);
+    Points points = uniform(n, 3, -1.0, 1.0);
+    for (Point3& p : points) {
+        const double x = std::ldexp(p.x(), r.below(600) - 300);
+        p.exchange(x, std::ldexp(p.y(), r.below(600) - 300), p.z());
+    }
+    return points;
+}
+
+using Corners = std::array<const Point3*, 4>;
+
+Corners cornersOf(const Tet3* tet) {
+    if (tet == nullptr) return {};
+    return {tet->getCorner(0), tet->getCorner(1), tet->getCorner(2), tet->getCorner(3)};
+}
+
+/// Tetrahedra by their corners in order.
+std::map<Corners, Tet3*> meshOf(const Dt3& engine) {
+    std::vector<Tet3*> tets;
+    engine.getAllTetrahedra(tets);
+    std::map<Corners, Tet3*> mesh;
+    for (Tet3* tet : tets) mesh.emplace(cornersOf(tet), tet);
+    EXPECT_EQ(mesh.size(), tets.size());
+    return mesh;
+}
+
+/// An engine after two batches, of which the second is large against the first.
+struct TwoBatches {
+    Dt3 engine;
+    Handles handles;
+    std::map<Corners, Tet3*> mesh;
+
+    TwoBatches(const KernelSteps& steps, const Points& points) : engine(nullptr, steps) {
+        const auto middle = points.begin() + static_cast<std::ptrdiff_t>(points.size() / 3);
+        Handles later;
+        engine.insert({points.begin(), middle}, handles);
+        std::map<Corners, std::int32_t> labels;
+        for (const auto& [corners, tet] : meshOf(engine)) {
+            labels[corners] = MeshAccess::label(tet);
+            tet->setCustomIndex(MeshAccess::label(tet));
+        }
+        const std::int32_t firstLabel = Tet3::runningLabel;
+        engine.insert({middle, points.end()}, later);
+        handles.insert(handles.end(), later.begin(), later.end());
+        mesh = meshOf(engine);
+        int numKept = 0;
+        for (const auto& [corners, tet] : mesh) {
+            const std::int32_t label = MeshAccess::label(tet), old = tet->getCustomIndex();
+            if (old != -1) ++numKept;
+            EXPECT_TRUE(old == -1 ? label >= firstLabel : label == old && labels[corners] == old);
+        }
+        EXPECT_GT(numKept, 0);
+    }
+    std::vector<std::array<std::uint64_t, 20>> numbered() const {
+        std::map<const Point3*, std::uint64_t> numbers;
+        for (std::size_t i = 0; i < handles.size(); ++i) numbers.emplace(handles[i], i + 1);
+        std::vector<std::array<std::uint64_t, 20>> rows;
+        for (const auto& entry : mesh) {
+            auto next = rows.emplace_back().begin();
+            for (const Point3* p : entry.first) *next++ = numbers.at(p);
+            for (int i = 0; i < 4; ++i)
+                for (const Point3* p : cornersOf(entry.second->getOppTet(i))) *next++ = numbers[p];
+        }
+        std::sort(rows.begin(), rows.end());
+        return rows;
+    }
+};
+
+TEST(Kernel, bothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
+    const Points sets[] = {uniform(900, 1),
+                           uniform(900, 1, -1e300, 1e300),
+                           uniform(600, 1, 0.0, 1e-300),
+                           uniform(600, 1, 6e6, 6e6 + 1.0),
+                           uniform(600, 1, 6e6, 6e6 + 1e-3) + uniform(300, 2, -1.0, 1.0),
+                           mixedExponents(400),
+                           sphere(400, 1) + lattice(300, 6, 6, 6, 1),
+                           shuffled(grid(9, 9, 9, 0.1), 1),
+                           shuffled(integerSphere(861), 4) + lattice(900, 9, 9, 9, 8),
+                           helix(900)};
+    for (const Points& points : sets)
+        outputOf([&] {
+            takeFirstMargin();
+            const TwoBatches portable(portableSteps(), points), fastest(fastestSteps(), points);
+            EXPECT_TRUE(portable.numbered() == fastest.numbered()) << &points - sets;
+            EXPECT_TRUE(portable.engine.checkValidity("kernel", true, true));
+        });
+}
+
+TEST(Kernel, findsTheNearestOfTheVerticesInsertedBefore) {
+    Points clusters = uniform(900, 1);
+    for (std::size_t i = 0; i < clusters.size(); ++i) {
+        const double size = std::ldexp(1.0, -12 * static_cast<int>(i % 60));
+        clusters[i].exchange(clusters[i].x() * size, clusters[i].y() * size, clusters[i].z());
+    }
+    for (Points points : {uniform(500, 1), clusters, uniform(500, 2, -1e308, 1e308),
+                          Points(50, Point3(1, 2, 3)), mixedExponents(300)}) {
+        const auto n = static_cast<VertexNumber>(points.size());
+        std::vector<Point3*> vertices{nullptr};
+        std::vector<CompactVertex> compact(n + 1);
+        std::vector<CurveEntry> along;
+        for (VertexNumber v = 1; v <= n; ++v) {
+            vertices.push_back(&points[v - 1]);
+            points[v - 1].xyz(compact[v].at[0], compact[v].at[1], compact[v].at[2]);
+            along.push_back({vertices[v], v});
+        }
+        sortAlongCurve(along);
+        const VertexNumber first = n / 2;
+        const EarlierNeighbours neighbours(vertices, first);
+        const auto distance = [&](VertexNumber a, VertexNumber b) {
+            const Vector3 d = *vertices[a] - *vertices[b];
+            return d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
+        };
+        for (std::size_t i = 0; i < n; ++i) {
+            const VertexNumber vertex = along[i].number;
+            if (vertex < first) continue;
+            std::size_t before = i, after = i + 1;
+            while (before > 0 && along[before - 1].number > vertex) --before;
+            while (after < n && along[after].number > vertex) ++after;
+            const VertexNumber left = before == 0 ? 0 : along[before - 1].number;
+            const VertexNumber right = after == n ? 0 : along[after].number;
+            const bool bLeft =
+                left != 0 && (right == 0 || distance(left, vertex) < distance(right, vertex));
+            EXPECT_EQ(neighbours.nearestTo(compact.data(), vertex), bLeft ? left : right);
+        }
+    }
+}
+
+TEST(Kernel, hashingPairsTheEdgesOfASurface) {
+    Dt3 engine(nullptr);
+    Handles handles;
+    outputOf([&] { engine.insert(sphere(300, 1) + shuffled(integerSphere(81), 1), handles); });
+    std::map<const Point3*, std::uint32_t> numbers;
+    std::vector<CavityFacet> hull;
+    for (const auto& [corners, tet] : meshOf(engine))
+        for (unsigned i = 0; i < 4; ++i) {
+            if (tet->getOppTet(static_cast<int>(i)) != nullptr) continue;
+            for (unsigned k = 0; k < 3; ++k)
+                numbers.emplace(corners[OUTER_FACET[i][k]], numbers.size());
+            hull.push_back(
+                {{numbers[corners[OUTER_FACET[i][0]]], numbers[corners[OUTER_FACET[i][1]]],
+                  numbers[corners[OUTER_FACET[i][2]]]}});
+        }
+    ASSERT_GT(hull.size(), 100U);
+    EdgeTable edges;
+    for (const std::size_t numFacets : {hull.size(), hull.size() - 1, hull.size() / 2}) {
+        std::vector<CompactTet> tets(2 * numFacets + 1);
+        std::vector<Slot> slots(numFacets);
+        for (std::size_t i = 0; i < numFacets; ++i)
+            slots[i] = static_cast<Slot>(i % 2 == 0 ? i + 1 : 2 * numFacets - i);
+        std::map<std::pair<std::uint32_t, std::uint32_t>, FacetCode> across;
+        const auto forEachEdge = [&](auto visit) {
+            constexpr unsigned OPPOSITE[3] = {3, 1, 2};
+            for (std::size_t i = 0; i < numFacets; ++i)
+                for (unsigned k = 0; k < 3; ++k)
+                    visit(hull[i].number[k], hull[i].number[(k + 1) % 3],
+                          facetCode(slots[i], OPPOSITE[k]));
+        };
+        forEachEdge([&](auto from, auto to, FacetCode code) { across[{from, to}] = code; });
+        const std::size_t numUnpaired =
+            edges.linkByHashing(hull, numFacets, slots.data(), tets.data());
+        std::size_t expected = 0;
+        forEachEdge([&](auto from, auto to, FacetCode code) {
+            const auto partner = across.find({to, from});
+            if (partner == across.end())
+                ++expected;
+            else
+                EXPECT_EQ(tets[slotOf(code)].link[facetOf(code)], partner->second);
+        });
+        EXPECT_EQ(numUnpaired, expected);
+        EXPECT_EQ(numUnpaired == 0, numFacets == hull.size());
+    }
+}
+
+/// The compact mesh of vertices inserted one by one, where numbers given to the vertices of
+/// cavities begin with this one.
+std::vector<VertexNumber> meshNumberedFrom(std::uint32_t firstNumber, const Points& points) {
+    const GeomTest3 predicates;
+    HC3 store;
+    Handles handles, added;
+    store.insert(points, handles, added);
+    TetRecycler tets;
+    Cavity(predicates, tets).createTet(handles[0], handles[1], handles[2], handles[3]);
+    const PoolIndex<Tet3> records(tets.getPool());
+    const PoolIndex<Point3> places(store.getPool());
+    std::vector<VertexNumber> numbers(points.size());
+    const auto n = static_cast<VertexNumber>(points.size());
+    BatchState state(predicates, n, 30, true);
+    for (VertexNumber v = 1; v <= n; ++v) {
+        numbers[places.indexOf(handles[v - 1])] = v;
+        auto& at = state.mesh.vertices()[v].at;
+        handles[v - 1]->xyz(at[0], at[1], at[2]);
+    }
+    MeshLoader(tets, records, places, numbers, state).load(portableSteps());
+    state.firstNumber = firstNumber;
+    Slot start = 1;
+    for (VertexNumber v = 5; v <= n; ++v) start = portableSteps().insertVertex(state, v, start);
+    EXPECT_LT(state.firstNumber, 1U << 31);
+    std::vector<VertexNumber> mesh;
+    for (Slot slot = 1; slot < state.mesh.numSlots(); ++slot) {
+        const CompactTet& tet = state.mesh.tets()[slot];
+        if (tet.isEmpty()) continue;
+        mesh.insert(mesh.end(), tet.vertex, tet.vertex + 4);
+        mesh.insert(mesh.end(), tet.link, tet.link + 4);
+    }
+    return mesh;
+}
+
+TEST(Kernel, numbersOfCavityVerticesBeginAnew) {
+    const Points points = Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}} + uniform(300, 1);
+    const auto expected = meshNumberedFrom(1, points);
+    for (const std::uint32_t before : {305U, 306U, 320U, 1000U, 3000U})
+        EXPECT_TRUE(meshNumberedFrom(0U - before, points) == expected) << before;
+}
+
+/// Damages a tetrahedron of the mesh in one of several ways.
+void damage(const std::vector<Tet3*>& tets, Random& random) {
+    const auto anyTet = [&] {
+        return tets[static_cast<std::size_t>(random.below(static_cast<int>(tets.size())))];
+    };
+    Tet3* const tet = anyTet();
+    const int i = random.below(4), j = (i + 1 + random.below(3)) % 4;
+    Tet3*& link = MeshAccess::neighbour(tet, i);
+    switch (random.below(8)) {
+        case 0:
+            link = nullptr;
+            break;
+        case 1:
+            link = tet;
+            break;
+        case 2:
+            link = anyTet();
+            break;
+        case 3:
+            link = tets.front() - 1;
+            break;  // free
+        case 4:
+            link = MeshAccess::neighbour(tet, j);
+            break;
+        case 5:
+            std::swap(link, MeshAccess::neighbour(tet, j));
+            break;
+        case 6:
+            MeshAccess::corner(tet, i) = MeshAccess::corner(anyTet(), j);
+            break;
+        default:
+            MeshAccess::corner(tet, i)->exchange(random.unit(), random.unit(), 3 * random.unit());
+    }
+}
+
+// After a fault the mesh may be anything; that the batch ends, and touches nothing but its own
+// memory, is what the sanitizers watch here.
+TEST(Kernel, endsOnDamagedMeshes) {
+    int numFailed = 0;
+    for (std::uint64_t seed = 0; seed < 3000; ++seed) {
+        Random random(seed);
+        Dt3 engine(nullptr, seed % 2 == 0 ? portableSteps() : fastestSteps());
+        Handles handles, later;
+        outputOf([&] {
+            engine.insert(seed % 3 == 0 ? lattice(60, 4, 4, 4, seed) : uniform(40, seed), handles);
+            std::vector<Tet3*> tets;
+            engine.getAllTetrahedra(tets);
+            const int numFaults = 1 + random.below(3);
+            for (int k = 0; k < numFaults; ++k) damage(tets, random);
+            try {
+                engine.insert(
+                    seed % 3 == 1 ? lattice(80, 3, 3, 3, seed) : uniform(60, seed + 1, -0.5, 1.5),
+                    later);
+            } catch (const VarnException&) {
+                ++numFailed;
+            }
+        });
+    }
+    EXPECT_GT(numFailed, 1000);
+}
+
+}  // namespace
