@@ -9,7 +9,6 @@
 
 namespace VARN3D {
 
-using predicateStages::decideByIntegers;
 using predicateStages::Estimate;
 using predicateStages::Orientation;
 using predicateStages::Orientation2D;

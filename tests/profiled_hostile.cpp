@@ -67,26 +67,6 @@ Points lastBits(std::size_t n) {
     });
 }
 
-/// Sixty clusters around the origin, each within a cell of the one before.
-Points nestedClusters(std::size_t n) {
-    Points points = support::uniform(n, 7);
-    for (std::size_t i = 0; i < n; ++i) {
-        const double size = std::ldexp(1.0, -12 * static_cast<int>(i % 60));
-        points[i] = Point3(points[i].x() * size, points[i].y() * size, points[i].z() * size);
-    }
-    return points;
-}
-
-/// In order: each new point sees hull facets at edges of high degree.
-Points momentCurve(int n) {
-    Points points;
-    for (int i = 0; i < n; ++i) {
-        const double t = static_cast<double>(i) / n;
-        points.emplace_back(t, t * t, t * t * t);
-    }
-    return points;
-}
-
 enum class Mode { Batch, Singles, FarBatches };
 
 /// What a batch may do: looks that cached spheres leave open, and tests that go on to integers
@@ -145,7 +125,7 @@ const Case CASES[] = {
      {7, 0.5, 7}},
     {"duplicates", [] { return support::lattice(scaled(50000), 4, 4, 4, 1); }, {4, 0.02}},
     {"lastBits", [] { return lastBits(scaled(20000)); }},
-    {"nestedClusters", [] { return nestedClusters(scaled(20000)); }, {4, 2.5, 12}},
+    {"nestedClusters", [] { return support::nestedClusters(scaled(20000)); }, {4, 2.5, 12}},
     {"farBatches",
      [] { return support::uniform(scaled(5000), 1); },
      {0.2, 0.001, 12},
@@ -157,7 +137,7 @@ const Case CASES[] = {
      [] { return Points{Point3(1e9, 0, -1e9)} + support::uniform(scaled(5000), 1); },
      {},
      Mode::Singles},
-    {"momentSingles", [] { return momentCurve(300); }, {}, Mode::Singles},
+    {"momentSingles", [] { return support::momentCurve(300); }, {}, Mode::Singles},
 };
 
 void insertAll(Varn_3D& mesh, Points points, Mode mode) {

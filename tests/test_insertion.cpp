@@ -27,22 +27,6 @@ const std::string EMPTY_LIST = "Attention: triangulate has got an empty vector\n
 const std::string NOT_IN_MESH =
     "\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n";
 
-/// The lexicographically first quadruple of positions that is not coplanar, by trying them all;
-/// empty if there is none.
-std::vector<int> firstSimplex(const std::vector<const Point3*>& points) {
-    const GeomTest3 predicates;
-    const std::size_t n = points.size();
-    for (std::size_t i = 0; i < n; ++i)
-        for (std::size_t j = i + 1; j < n; ++j)
-            for (std::size_t k = j + 1; k < n; ++k)
-                for (std::size_t l = k + 1; l < n; ++l)
-                    if (predicates.getOrientation3(points[i], points[j], points[k], points[l]) !=
-                        ORIENTATION3_COPLANAR)
-                        return {static_cast<int>(i), static_cast<int>(j), static_cast<int>(k),
-                                static_cast<int>(l)};
-    return {};
-}
-
 TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     Varn_3D mesh;
     Points points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 0, 1}};
@@ -139,36 +123,6 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
             Point3 single = p;
             expectRefusal("0", outputOf([&] { EXPECT_THROW(mesh.insert(single), VarnException); }));
         }
-    }
-}
-
-// A single insertion that makes the first tetrahedron shows which vertices the start-up chose.
-TEST(Insertion, startUpFindsWhatTheLiteralSearchFinds) {
-    const GeomTest3 predicates;
-    for (std::uint64_t seed = 0; seed < 200; ++seed) {
-        Random r(seed);
-        Points points = seed % 2 == 0 ? lattice(12, 4, 2, 1, seed) : planar(12, 3, seed);
-        points = std::move(points) + lattice(9, 3, 1, 2, seed + 1) + Points{{1, 2, 3}};
-        if (seed % 3 == 0) points = shuffled(points, seed);
-        Varn_3D mesh;
-        outputOf([&] {
-            for (std::size_t i = 0; i < points.size() && !mesh.is3D(); ++i) mesh.insert(points[i]);
-        });
-        ASSERT_TRUE(mesh.is3D());
-        std::vector<Tet3*> tets;
-        mesh.getTetrahedra(tets);
-        ASSERT_EQ(tets.size(), 1U);
-        std::vector<Point3*> vertices;
-        mesh.getVertices(vertices);
-        std::vector<int> simplex = firstSimplex({vertices.begin(), vertices.end()});
-        const auto vertex = [&](std::size_t i) {
-            return vertices[static_cast<std::size_t>(simplex[i])];
-        };
-        if (predicates.getOrientation3(vertex(0), vertex(1), vertex(2), vertex(3)) ==
-            ORIENTATION3_NEGATIVE)
-            std::swap(simplex[0], simplex[1]);
-        for (int i = 0; i < 4; ++i)
-            EXPECT_EQ(tets[0]->getCorner(i), vertex(static_cast<std::size_t>(i)));
     }
 }
 

@@ -93,20 +93,6 @@ TEST(Location, latticeQueriesFromEveryTetrahedron) {
         EXPECT_GT(counts[place], 10) << place;
 }
 
-TEST(Location, aCornerOfTheStartIsFoundWithoutMoving) {
-    Dt3 engine(nullptr);
-    std::vector<Point3*> handles;
-    outputOf([&] { engine.insert(lattice(60, 5, 5, 5, 1), handles); });
-    std::vector<Tet3*> tets;
-    engine.getAllTetrahedra(tets);
-    for (Tet3* start : tets)
-        for (int i = 0; i < 4; ++i) {
-            Tet3* tet = start;
-            EXPECT_EQ(engine.locateConflictTet(start->getCorner(i), tet), -2);
-            EXPECT_EQ(tet, start);
-        }
-}
-
 TEST(Location, nothingToFindWithoutTetrahedra) {
     Varn_3D mesh;
     EXPECT_EQ(mesh.locate({0, 0, 0}), nullptr);

@@ -127,15 +127,6 @@ struct Case {
     friend void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
 };
 
-Points momentCurve(int n) {
-    Points points;
-    for (int i = 0; i < n; ++i) {
-        const double t = static_cast<double>(i) / n;
-        points.emplace_back(t, t * t, t * t * t);
-    }
-    return points;
-}
-
 /// No four on a circle.
 Points flat(int n) {
     Points points = momentCurve(n);

@@ -102,34 +102,6 @@ TEST_P(Predicates, AgreeWithExactArithmetic) {
     for (int i = 0; i < 3000 && !HasFatalFailure(); ++i) expectExact(GetParam().make(r));
 }
 
-TEST_P(Predicates, ObeyThePermutationLaws) {
-    const GeomTest3 predicates;
-    Random r(8);
-    for (int i = 0; i < 20; ++i) {
-        FivePoints points = GetParam().make(r);
-        const int orientation = exactOrientation(points[0], points[1], points[2], points[3]);
-        const int inside = exactInSphere(points[0], points[1], points[2], points[3], points[4]);
-        std::array<std::size_t, 5> order{0, 1, 2, 3, 4};
-        do {
-            int parity = 1;
-            for (std::size_t u = 0; u < 5; ++u)
-                for (std::size_t v = u + 1; v < 5; ++v)
-                    if (order[u] > order[v]) parity = -parity;
-            Point3* p[5];
-            for (std::size_t u = 0; u < 5; ++u) p[u] = &points[order[u]];
-            if (order[4] == 4) {
-                EXPECT_EQ(signOfOrientation(predicates.getOrientation3(p[0], p[1], p[2], p[3])),
-                          parity * orientation);
-            }
-            scratchTet().setProperties(p[0], p[1], p[2], p[3]);
-            if (scratchTet().hasVertex(*p[4])) continue;
-            EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), p[4]),
-                      parity * inside > 0 ? SIC_INSIDE : SIC_OUTSIDE);
-        } while (std::next_permutation(order.begin(), order.end()));
-        ASSERT_FALSE(HasFailure()) << describe(points);
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(, Predicates, testing::ValuesIn(predicateInputs()),
                          [](const auto& test) { return std::string(test.param.name); });
 

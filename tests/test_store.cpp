@@ -18,8 +18,6 @@ namespace {
 using namespace VARN3D;
 using namespace support;
 
-constexpr std::uint32_t MAX_CORNER_KEY = 90543705;
-
 // Rows are octants, columns states; a and b stand for 10 and 11.
 const char* const DIGITS[8] = {"000246462246", "173335775151", "317151353577", "264022044660",
                                "731577511335", "642404606022", "426660220404", "555713137713"};
@@ -109,20 +107,6 @@ TEST(Store, keysFollowTheTables) {
         store.insert(points);
         for (const Point3& p : points + uniform(500, 2, -3.0, 3.0))
             ASSERT_EQ(store.hc3.hilbertIndex(p), store.plainKey(p)) << extent << p;
-    }
-}
-
-TEST(Store, cornersAndOctantsOfACube) {
-    Store store;
-    store.insert({{0, 0, 0}, {8, 8, 8}});
-    EXPECT_EQ(store.hc3.hilbertIndex(store.hc3.getBbox().getMinPoint()), 0U);
-    EXPECT_EQ(store.hc3.hilbertIndex(store.hc3.getBbox().getMaxPoint()), MAX_CORNER_KEY);
-    EXPECT_EQ(store.hc3.hilbertIndex({99, 99, 99}), MAX_CORNER_KEY);
-    const unsigned order[8] = {0, 1, 3, 2, 6, 7, 5, 4};
-    for (unsigned digit = 0; digit < 8; ++digit) {
-        const unsigned octant = order[digit];
-        const Point3 p(octant & 4 ? 6 : 2, octant & 2 ? 6 : 2, octant & 1 ? 6 : 2);
-        EXPECT_EQ(store.hc3.hilbertIndex(p) >> 24, digit);
     }
 }
 

@@ -104,7 +104,7 @@ void BatchInsertion::insertAll(Slot start) {
     state->listIncident();
     for (; vertex <= numVertices; ++vertex) {
         const VertexNumber near = neighbours.nearestTo(state->mesh.vertices(), vertex);
-        start = steps.insertVertex(*state, vertex, state->incident[near]);
+        steps.insertVertex(*state, vertex, state->incident[near]);
     }
 }
 

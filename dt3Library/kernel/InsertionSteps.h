@@ -2,7 +2,7 @@
 // lanes for it. See stepsPortable.h and stepsAvx2.h.
 
 /// How many tetrahedra of the region are visited in one step.
-constexpr unsigned WIDTH = 4;
+inline constexpr unsigned WIDTH = 4;
 
 inline LanePositions positionOf(const double (&at)[3]) {
     return {allLanes(at[0]), allLanes(at[1]), allLanes(at[2])};
@@ -526,13 +526,13 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     return slots[nearest];
 }
 
-Slot insertVertex(BatchState& state, VertexNumber vertex, Slot start) {
+inline Slot insertVertex(BatchState& state, VertexNumber vertex, Slot start) {
     state.startNumbering();
     const Slot inConflict = walk(state, vertex, start);
     return fillRegion(state, vertex, growRegion(state, vertex, inConflict));
 }
 
-void makeSpheres(BatchState& state, Slot first, std::size_t count) {
+inline void makeSpheres(BatchState& state, Slot first, std::size_t count) {
     CompactTet* const tets = state.mesh.tets();
     const CompactVertex* const vertices = state.mesh.vertices();
     for (std::size_t done = 0; done < count; done += 4) {

@@ -131,7 +131,7 @@ inline void storeSpheres(CompactTet* tets, const Slot* slots, const LanePosition
 }
 
 /// Byte shuffles that move the chosen ones of four 32-bit numbers to the front.
-alignas(16) constexpr std::uint8_t TO_FRONT[16][16] = {
+alignas(16) inline constexpr std::uint8_t TO_FRONT[16][16] = {
     {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {0, 1, 2, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
     {4, 5, 6, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},

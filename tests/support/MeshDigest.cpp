@@ -31,9 +31,13 @@ Positions positionsIn(const Handles& handles) {
 }  // namespace
 
 std::uint64_t meshDigest(const Varn_3D& mesh, const Handles& handles) {
+    return meshDigest(tetrahedraOf(mesh), handles);
+}
+
+std::uint64_t meshDigest(const std::vector<Tet3*>& mesh, const Handles& handles) {
     const Positions positions = positionsIn(handles);
     std::vector<std::pair<std::array<std::uint64_t, 4>, const Tet3*>> tets;
-    for (const Tet3* tet : tetrahedraOf(mesh)) {
+    for (const Tet3* tet : mesh) {
         std::array<std::uint64_t, 4> corners;
         for (std::size_t i = 0; i < 4; ++i)
             corners[i] = positions.at(tet->getCorner(static_cast<int>(i)));

@@ -36,6 +36,7 @@ class Fnv {
 /// of all tetrahedra in order of their corners: each as the positions of its corners and those of
 /// its neighbours in the list, both in order. Labels and addresses don't count.
 std::uint64_t meshDigest(const VARN3D::Varn_3D& mesh, const Handles& handles);
+std::uint64_t meshDigest(const std::vector<VARN3D::Tet3*>& mesh, const Handles& handles);
 
 /// A hash of what the labels since the first one of the mesh tell: the vertices whose insertions
 /// made the tetrahedra, in the order of insertion, and how many labels were taken. Which

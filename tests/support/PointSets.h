@@ -129,6 +129,27 @@ inline Points skewSegments(int n) {
     return points;
 }
 
+/// In order: each new point sees hull facets at edges of high degree.
+inline Points momentCurve(int n) {
+    Points points;
+    for (int i = 0; i < n; ++i) {
+        const double t = static_cast<double>(i) / n;
+        points.emplace_back(t, t * t, t * t * t);
+    }
+    return points;
+}
+
+/// Sixty clusters around the origin, each within a cell of the one before.
+inline Points nestedClusters(std::size_t n) {
+    Points points = uniform(n, 7);
+    for (std::size_t i = 0; i < n; ++i) {
+        const double size = std::ldexp(1.0, -12 * static_cast<int>(i % 60));
+        VARN3D::Point3& p = points[i];
+        p.exchange(p.x() * size, p.y() * size, p.z() * size);
+    }
+    return points;
+}
+
 /// Exactly on the plane z = x + 2y.
 inline Points planar(std::size_t n, int side, std::uint64_t seed) {
     Random r(seed);

@@ -24,6 +24,3 @@ LANE_TARGET inline int sideInLanes(const CachedSphere& sphere, const double (&q)
     if (inside % 15 != 0 || outside % 15 != 0) return 9;
     return (outside != 0 ? 1 : 0) - (inside != 0 ? 1 : 0);
 }
-
-/// The rest of the steps is in use, too.
-[[maybe_unused]] constexpr KernelSteps LANE_STEPS{insertVertex, makeSpheres};
