@@ -82,8 +82,8 @@ INSTANTIATE_TEST_SUITE_P(Sets, Digest, testing::ValuesIn(SETS), nameOf<NamedSet>
 /// Around powers of two another level of the insertion order begins.
 std::vector<Scenario> sizes() {
     std::vector<Scenario> scenarios;
-    for (const std::size_t n : {1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 64, 65, 257, 1000, 5000})
-        scenarios.push_back({{true, uniform(n, 100 + n)}});
+    const std::size_t counts[] = {1, 3, 4, 5, 15, 16, 17, 31, 32, 33, 64, 65, 257, 1000, 5000};
+    for (const std::size_t n : counts) scenarios.push_back({{true, uniform(n, 100 + n)}});
     return scenarios;
 }
 

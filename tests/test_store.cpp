@@ -110,24 +110,6 @@ TEST(Store, keysFollowTheTables) {
     }
 }
 
-TEST(Store, shorterKeysAreTheFirstDigits) {
-    for (const unsigned numBits : {3U, 12U, 30U}) {
-        HC3 hc3(numBits);
-        Store full;
-        std::vector<Point3*> handles;
-        std::vector<Point3*> added;
-        hc3.insertOne({0, 0, 0});
-        full.hc3.insertOne({0, 0, 0});
-        hc3.insertOne({1, 2, 3});
-        full.hc3.insertOne({1, 2, 3});
-        for (const Point3& p : uniform(100, 3, 0.0, 3.0)) {
-            const std::uint32_t key = full.hc3.hilbertIndex(p);
-            EXPECT_EQ(numBits > 27 ? hc3.hilbertIndex(p) >> (numBits - 27) : hc3.hilbertIndex(p),
-                      numBits > 27 ? key : key >> (27 - numBits));
-        }
-    }
-}
-
 TEST(Store, refusesOtherKeyLengths) {
     for (const unsigned numBits : {1U, 28U, 32U, 33U, 36U}) {
         const std::string output = outputOf([&] { EXPECT_THROW(HC3 hc3(numBits), VarnException); });
