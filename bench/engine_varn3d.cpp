@@ -4,8 +4,8 @@
 #include "driver.h"
 #include "dt3Library/Varn_3D.h"
 #ifdef VARN3D_PROFILE
-#include "dt3Library/Profile.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/predicates/predicateStages.h"
 #endif
 
 namespace bench {

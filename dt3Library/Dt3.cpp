@@ -7,13 +7,13 @@
 #include <exception>
 #include <iostream>
 
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/InsertionOrder.h"
 #include "dt3Library/Iterators.h"
-#include "dt3Library/Profile.h"
 #include "dt3Library/Visualizer3.h"
+#include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/engine/InsertionOrder.h"
 #include "dt3Library/kernel/BatchInsertion.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 

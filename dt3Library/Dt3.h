@@ -3,14 +3,14 @@
 #include <string>
 #include <vector>
 
-#include "dt3Library/AffineSpan.h"
-#include "dt3Library/Cavity.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
-#include "dt3Library/HullEdge.h"
-#include "dt3Library/HullTurns.h"
-#include "dt3Library/PointerPairSet.h"
-#include "dt3Library/TetRecycler.h"
+#include "dt3Library/engine/AffineSpan.h"
+#include "dt3Library/engine/Cavity.h"
+#include "dt3Library/engine/HullEdge.h"
+#include "dt3Library/engine/HullTurns.h"
+#include "dt3Library/engine/PointerPairSet.h"
+#include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/kernel/BatchState.h"
 
 namespace VARN3D {

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-#include "dt3Library/MeshAccess.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/predicates/predicateStages.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {

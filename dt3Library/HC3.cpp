@@ -4,9 +4,9 @@
 #include <atomic>
 #include <iostream>
 
-#include "dt3Library/CurveSort.h"
-#include "dt3Library/prefetch.h"
-#include "dt3Library/radixSort.h"
+#include "dt3Library/base/prefetch.h"
+#include "dt3Library/store/CurveSort.h"
+#include "dt3Library/store/radixSort.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "dt3Library/Bbox3.h"
-#include "dt3Library/HilbertGrid.h"
 #include "dt3Library/Point3.h"
-#include "dt3Library/VertexTable.h"
 #include "dt3Library/geom_tools/SimplePool.h"
-#include "dt3Library/radixSort.h"
+#include "dt3Library/store/HilbertGrid.h"
+#include "dt3Library/store/VertexTable.h"
+#include "dt3Library/store/radixSort.h"
 
 namespace VARN3D {
 

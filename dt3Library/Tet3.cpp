@@ -5,8 +5,8 @@
 
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
-#include "dt3Library/FloatingPoint.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {

@@ -3,7 +3,7 @@
 #include <new>
 
 #include "dt3Library/Dt3.h"
-#include "dt3Library/FloatingPointScope.h"
+#include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {

@@ -29,7 +29,7 @@ for target in mesh predicates readers spheres; do
     files=dt3Library
     [ $target != readers ] || files=$(ls tools/*Reader.cpp tools/PointFile.cpp tools/LayoutFinder.cpp \
         tools/TextLayout.cpp tools/columns.cpp tools/parsing.cpp)
-    [ $target != predicates ] || files='dt3Library/GeomTest3.cpp dt3Library/predicateStages.h'
+    [ $target != predicates ] || files='dt3Library/GeomTest3.cpp dt3Library/predicates/predicateStages.h'
     [ $target != spheres ] || files=dt3Library/kernel
     echo "== fuzz_$target: $(find $corpora -type f | wc -l) inputs"
     # shellcheck disable=SC2086

@@ -56,7 +56,7 @@ install_missing clang-format clang-tidy cppcheck git libclang-rt-dev valgrind
 step scripts/check-format.sh
 step scripts/run-tests.sh release
 step scripts/run-valgrind.sh
-step scripts/check-static.sh dt3Library/*.cpp dt3Library/kernel/*.cpp
+step scripts/check-static.sh dt3Library/*.cpp dt3Library/*/*.cpp
 step scripts/run-tests.sh thread=test_threads
 step scripts/run-tests.sh sanitize=test_insertion,test_location,test_memory,test_mesh_oracle,test_pools,test_predicates,test_spheres,test_store
 step scripts/run-fuzz.sh 60

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "dt3Library/Profile.h"
 #include "dt3Library/Varn_3D.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/predicates/predicateStages.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/PointSets.h"
 

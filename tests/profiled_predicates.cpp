@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "dt3Library/GeomTest3.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/predicates/predicateStages.h"
 #include "tests/support/PredicateInput.h"
 
 using namespace VARN3D;

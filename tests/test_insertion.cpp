@@ -8,11 +8,11 @@
 #include <set>
 #include <sstream>
 
-#include "dt3Library/Cavity.h"
 #include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/engine/Cavity.h"
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
 #include "support/MeshOracle.h"

@@ -7,10 +7,10 @@
 #include <map>
 #include <vector>
 
-#include "dt3Library/Cavity.h"
 #include "dt3Library/Dt3.h"
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/VarnException.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/engine/Cavity.h"
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "support/CaptureOutput.h"

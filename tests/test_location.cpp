@@ -5,8 +5,8 @@
 #include <map>
 
 #include "dt3Library/Dt3.h"
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "support/CaptureOutput.h"
 #include "support/LatticeExact.h"
 #include "support/PointSets.h"

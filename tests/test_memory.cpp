@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/MeshDigest.h"
 #include "tests/support/PointSets.h"

@@ -9,7 +9,7 @@
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/VarnException.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/predicates/predicateStages.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/Exact.h"
 #include "tests/support/PredicateInput.h"

@@ -10,8 +10,8 @@
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Tet3.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "tests/support/Failures.h"
 
 using namespace VARN3D;

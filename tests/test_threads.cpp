@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "tests/support/MeshDigest.h"
 #include "tests/support/PointSets.h"
 

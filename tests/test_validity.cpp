@@ -7,8 +7,8 @@
 
 #include "dt3Library/Ball3.h"
 #include "dt3Library/Dt3.h"
-#include "dt3Library/MeshAccess.h"
 #include "dt3Library/Visualizer3.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "support/CaptureOutput.h"
 #include "support/PointSets.h"
 

@@ -1,8 +1,8 @@
 #include "dt3Library/kernel/BatchInsertion.h"
 
-#include "dt3Library/InsertionOrder.h"
-#include "dt3Library/MeshAccess.h"
-#include "dt3Library/Profile.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/engine/InsertionOrder.h"
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "dt3Library/kernel/RecordWriter.h"

@@ -6,7 +6,7 @@
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
-#include "dt3Library/TetRecycler.h"
+#include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/ExactFrame.h"
 #include "dt3Library/kernel/PoolIndex.h"

@@ -6,9 +6,9 @@
 #include <iostream>
 #include <new>
 
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/predicateStages.h"
 
 namespace VARN3D {
 

@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/predicateStages.h"
 
 namespace VARN3D {
 

@@ -1,6 +1,6 @@
 #include "dt3Library/kernel/EarlierNeighbours.h"
 
-#include "dt3Library/CurveSort.h"
+#include "dt3Library/store/CurveSort.h"
 
 namespace VARN3D {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dt3Library/FloatingPoint.h"
 #include "dt3Library/kernel/CertifiedSphere.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 

@@ -2,8 +2,8 @@
 
 #include <iostream>
 
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 

@@ -1,7 +1,7 @@
 #include "dt3Library/kernel/MeshLoader.h"
 
-#include "dt3Library/MeshAccess.h"
-#include "dt3Library/prefetch.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/prefetch.h"
 
 namespace VARN3D {
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "dt3Library/TetRecycler.h"
+#include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/PoolIndex.h"
 

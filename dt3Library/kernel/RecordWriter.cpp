@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "dt3Library/MeshAccess.h"
+#include "dt3Library/base/MeshAccess.h"
 
 namespace VARN3D {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "dt3Library/TetRecycler.h"
+#include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/PoolIndex.h"
 

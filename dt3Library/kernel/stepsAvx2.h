@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <limits>
 
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/Profile.h"
-#include "dt3Library/bits.h"
+#include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/base/bits.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/CertifiedSphere.h"
-#include "dt3Library/predicateStages.h"
+#include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/predicateStages.h"
 
 // The insertion's steps for processors with four lanes of doubles and fused multiply-add, chosen at
 // run time. All that the library shares is included above, so that it is compiled for any

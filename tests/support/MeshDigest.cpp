@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "dt3Library/MeshAccess.h"
+#include "dt3Library/base/MeshAccess.h"
 
 namespace support {
 

@@ -11,7 +11,7 @@
 #include "CaptureOutput.h"
 #include "LatticeExact.h"
 #include "MeshDigest.h"
-#include "dt3Library/MeshAccess.h"
+#include "dt3Library/base/MeshAccess.h"
 
 namespace support {
 

@@ -1,4 +1,4 @@
-#include "dt3Library/VertexTable.h"
+#include "dt3Library/store/VertexTable.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "dt3Library/hashPointers.h"
+#include "dt3Library/base/hashPointers.h"
 
 namespace VARN3D {
 

@@ -1,4 +1,4 @@
-#include "dt3Library/radixSort.h"
+#include "dt3Library/store/radixSort.h"
 
 #include <algorithm>
 #include <array>

@@ -4,8 +4,8 @@
 #include <limits>
 #include <vector>
 
-#include "dt3Library/SpatialOrder.h"
 #include "dt3Library/geom_tools/SimplePool.h"
+#include "dt3Library/store/SpatialOrder.h"
 
 namespace VARN3D {
 

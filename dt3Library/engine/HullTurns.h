@@ -5,8 +5,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "dt3Library/HullEdge.h"
-#include "dt3Library/hashPointers.h"
+#include "dt3Library/base/hashPointers.h"
+#include "dt3Library/engine/HullEdge.h"
 
 namespace VARN3D {
 

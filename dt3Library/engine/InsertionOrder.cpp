@@ -1,4 +1,4 @@
-#include "dt3Library/InsertionOrder.h"
+#include "dt3Library/engine/InsertionOrder.h"
 
 #include <algorithm>
 #include <cmath>

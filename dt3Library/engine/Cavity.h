@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "dt3Library/FacetGluing.h"
 #include "dt3Library/GeomTest3.h"
-#include "dt3Library/TetRecycler.h"
+#include "dt3Library/engine/FacetGluing.h"
+#include "dt3Library/engine/TetRecycler.h"
 
 namespace VARN3D {
 

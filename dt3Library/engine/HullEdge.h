@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <functional>
 
-#include "dt3Library/MeshAccess.h"
-#include "dt3Library/Profile.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/Profile.h"
 
 namespace VARN3D {
 

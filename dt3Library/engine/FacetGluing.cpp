@@ -1,7 +1,7 @@
-#include "dt3Library/FacetGluing.h"
+#include "dt3Library/engine/FacetGluing.h"
 
-#include "dt3Library/MeshAccess.h"
-#include "dt3Library/hashPointers.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/hashPointers.h"
 
 namespace VARN3D {
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "dt3Library/MeshAccess.h"
+#include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/geom_tools/SimplePool.h"
 
 namespace VARN3D {

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "dt3Library/FixedInteger.h"
+#include "dt3Library/predicates/FixedInteger.h"
 
 namespace VARN3D {
 

@@ -1,8 +1,8 @@
-#include "dt3Library/HilbertGrid.h"
+#include "dt3Library/store/HilbertGrid.h"
 
 #include <algorithm>
 
-#include "dt3Library/FloatingPoint.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 

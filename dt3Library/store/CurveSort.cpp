@@ -1,11 +1,11 @@
-#include "dt3Library/CurveSort.h"
+#include "dt3Library/store/CurveSort.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/HilbertGrid.h"
-#include "dt3Library/radixSort.h"
+#include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/store/HilbertGrid.h"
+#include "dt3Library/store/radixSort.h"
 
 namespace VARN3D {
 

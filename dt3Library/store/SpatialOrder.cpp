@@ -1,4 +1,4 @@
-#include "dt3Library/SpatialOrder.h"
+#include "dt3Library/store/SpatialOrder.h"
 
 #include <cmath>
 #include <cstring>

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
-#include "dt3Library/FixedInteger.h"
-#include "dt3Library/FloatingPoint.h"
 #include "dt3Library/Point3.h"
-#include "dt3Library/WideInteger.h"
+#include "dt3Library/predicates/FixedInteger.h"
+#include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/WideInteger.h"
 
 // The predicates are signs of determinants of coordinate differences. They are decided in stages,
 // from the cheapest on:

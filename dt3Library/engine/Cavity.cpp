@@ -1,14 +1,14 @@
-#include "dt3Library/Cavity.h"
+#include "dt3Library/engine/Cavity.h"
 
 #include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <limits>
 
-#include "dt3Library/EngineCheck.h"
-#include "dt3Library/FloatingPoint.h"
-#include "dt3Library/Profile.h"
-#include "dt3Library/prefetch.h"
+#include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/base/Profile.h"
+#include "dt3Library/base/prefetch.h"
+#include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 
