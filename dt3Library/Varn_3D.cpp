@@ -3,6 +3,7 @@
 #include <new>
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/engine/star.h"
 #include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
@@ -80,6 +81,10 @@ void Varn_3D::show(const std::string& filename, Point3* pVertex) {
 
 void Varn_3D::setVerbosity(bool bVerbose) {
     pDt3->setVerbosity(bVerbose);
+}
+
+void Varn_3D::setMessageStream(std::ostream* pStream) {
+    exchangeMessageStream(pStream);
 }
 
 }  // namespace VARN3D
