@@ -12,6 +12,7 @@
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/Profile.h"
 #include "dt3Library/engine/InsertionOrder.h"
+#include "dt3Library/engine/LiveTets.h"
 #include "dt3Library/kernel/BatchInsertion.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 
@@ -74,7 +75,7 @@ Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
-void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles) {
     for (std::size_t i = 0; i < vInputPoints.size(); ++i)
         requireFinite(vInputPoints[i], i, "Dt3::insert()");
     if (bVerbose)
@@ -143,6 +144,7 @@ void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
         for (int i = 0; i < 4; ++i) MeshAccess::corner(first, i)->setOneTet(nullptr);
         tets.reset();
         pRecentTet = nullptr;
+        numInMesh = 0;
         bFullDimensional = false;
         throw;
     }
@@ -150,7 +152,9 @@ void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
 
 void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     VARN3D_TIME(secondsKernel);
-    pRecentTet = BatchInsertion(predicates, kernelSteps, tets, store).run(vVertices, pStart);
+    BatchInsertion batch(predicates, kernelSteps, tets, store);
+    pRecentTet = batch.run(vVertices, pStart);
+    numInMesh = batch.getNumVertices();
     hullTurns.forgetAll();
 }
 
@@ -223,6 +227,7 @@ Tet3* Dt3::insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult) {
         engineCheck(locateResult == LOCATED_INSIDE, "locateResult==-1", 824);
         pRet = cavity.insertInside(pVtx, pCurTet);
     }
+    if (locateResult != LOCATED_VERTEX) ++numInMesh;
     pRecentTet = pRet;
     return pRet;
 }
@@ -268,6 +273,7 @@ Tet3* Dt3::startUp() {
         predicates.getOrientation3(simplex[0], simplex[1], simplex[2], simplex[3]);
     engineCheck(ori == ORIENTATION3_POSITIVE, "ori==ORIENTATION3_POSITIVE", 115);
     pRecentTet = cavity.createTet(simplex[0], simplex[1], simplex[2], simplex[3]);
+    numInMesh = 4;
     bFullDimensional = true;
     return pRecentTet;
 }
@@ -515,7 +521,16 @@ void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const {
         std::cout << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
         return;
     }
-    tets.listLive(vTet);
+    const LiveTets live(tets);
+    vTet.reserve(live.size());
+    live.forEach([&](Tet3* tet) { vTet.push_back(tet); });
+}
+
+void Dt3::getHullFacets(std::vector<Facet3>& vFacets) const {
+    LiveTets(tets).forEach([&](Tet3* tet) {
+        for (int i = 0; i < 4; ++i)
+            if (MeshAccess::neighbour(tet, i) == nullptr) vFacets.emplace_back(tet, i);
+    });
 }
 
 void Dt3::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
