@@ -26,7 +26,7 @@ constexpr std::size_t ENTRIES_SEARCHED = 32;
 
 double squaredDistance(const Point3& a, const Point3& b) {
     const Vector3 d = a - b;
-    return d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
+    return d.x * d.x + d.y * d.y + d.z * d.z;
 }
 
 bool isFinite(const Point3& p) {
@@ -618,8 +618,7 @@ void Dt3::reportSphere(Tet3* pTet, Point3* pVtx) {
     visualizer.writePoints({*pVtx}, 8, "1 1 1 0.5");
     const Point3 centre = pTet->getCircumcenter();
     const Vector3 radius = *pTet->getCorner(0) - centre;
-    visualizer.writeBall(
-        centre, radius.x() * radius.x() + radius.y() * radius.y() + radius.z() * radius.z());
+    visualizer.writeBall(centre, radius.x * radius.x + radius.y * radius.y + radius.z * radius.z);
     visualizer.close();
 }
 

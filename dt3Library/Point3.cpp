@@ -35,7 +35,7 @@ void Point3::xyz(double& x, double& y, double& z) const {
 }
 
 Point3 Point3::operator+(const Vector3& v) const {
-    return Point3(xx + v.x(), yy + v.y(), zz + v.z());
+    return Point3(xx + v.x, yy + v.y, zz + v.z);
 }
 
 Vector3 Point3::operator-(const Point3& other) const {
@@ -62,8 +62,7 @@ std::ostream& operator<<(std::ostream& out, const Point3& p) {
 Vector3 getNormalVector(const Point3& p0, const Point3& p1, const Point3& p2) {
     const Vector3 a = normalize(p1 - p0);
     const Vector3 b = normalize(p2 - p0);
-    return normalize(Vector3(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
-                             a.x() * b.y() - a.y() * b.x()));
+    return normalize(Vector3(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x));
 }
 
 }  // namespace VARN3D

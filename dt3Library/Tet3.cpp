@@ -7,6 +7,7 @@
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
@@ -96,21 +97,21 @@ bool Tet3::hasVertex(const Point3* p) const {
 
 bool Tet3::hasVertex(const Point3& p) const {
     for (const Point3* corner : aVertexPointer)
-        if (*corner == p) return true;
+        if (corner != nullptr && *corner == p) return true;
     return false;
 }
 
 Point3 Tet3::getCircumcenter() const {
+    for (const Point3* corner : aVertexPointer) varnAssertText(corner != nullptr, "corner!=NULL");
     const Point3& a = *aVertexPointer[0];
     const Vector3 b = *aVertexPointer[1] - a;
     const Vector3 c = *aVertexPointer[2] - a;
     const Vector3 d = *aVertexPointer[3] - a;
     const auto cross = [](const Vector3& u, const Vector3& v) {
-        return Vector3(u.y() * v.z() - u.z() * v.y(), u.z() * v.x() - u.x() * v.z(),
-                       u.x() * v.y() - u.y() * v.x());
+        return Vector3(u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x);
     };
     const auto dot = [](const Vector3& u, const Vector3& v) {
-        return u.x() * v.x() + u.y() * v.y() + u.z() * v.z();
+        return u.x * v.x + u.y * v.y + u.z * v.z;
     };
     const Vector3 cd = cross(c, d);
     const Vector3 db = cross(d, b);
@@ -119,9 +120,9 @@ Point3 Tet3::getCircumcenter() const {
     const double cc = dot(c, c);
     const double dd = dot(d, d);
     const double scale = 0.5 / dot(b, cd);
-    return a + Vector3((bb * cd.x() + cc * db.x() + dd * bc.x()) * scale,
-                       (bb * cd.y() + cc * db.y() + dd * bc.y()) * scale,
-                       (bb * cd.z() + cc * db.z() + dd * bc.z()) * scale);
+    return a + Vector3((bb * cd.x + cc * db.x + dd * bc.x) * scale,
+                       (bb * cd.y + cc * db.y + dd * bc.y) * scale,
+                       (bb * cd.z + cc * db.z + dd * bc.z) * scale);
 }
 
 // ---- Neighbours --------------------------------------------------------------------------------
@@ -151,7 +152,9 @@ int Tet3::getIntraTetIndex(const Tet3* pNeig) const {
 }
 
 int Tet3::getIntraTetIndexInOppTet(int ith) const {
-    return getOppTet(ith)->getIntraTetIndex(this);
+    const Tet3* pOpp = getOppTet(ith);
+    varnAssertText(pOpp != nullptr, "pOpp!=NULL");
+    return pOpp->getIntraTetIndex(this);
 }
 
 Point3* Tet3::getOppVtxInOppTet(int ith, bool bNullAllowed) const {
@@ -234,6 +237,7 @@ std::pair<int, int> Tet3::getEdgeIndices(int i, int j) {
 // ---- Output ------------------------------------------------------------------------------------
 
 std::ostream& operator<<(std::ostream& out, const Tet3& tet) {
+    const FloatingPointScope scope;
     Point3 *p0, *p1, *p2, *p3;
     tet.getCorners(p0, p1, p2, p3);
     const bool bHasCorners = !tet.hasVertex(static_cast<const Point3*>(nullptr));
