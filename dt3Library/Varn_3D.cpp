@@ -3,6 +3,7 @@
 #include <new>
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/engine/star.h"
 #include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
 
@@ -61,12 +62,12 @@ void Varn_3D::getTetrahedra(std::vector<Tet3*>& vTets) const {
 }
 
 void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
-    guarded("Varn_3D::getTetsAroundVertex()", [&] { Dt3::getTetsAroundVertex(pVtx, vTets); });
+    guarded("Varn_3D::getTetsAroundVertex()", [&] { listStar(pVtx, vTets); });
 }
 
 bool Varn_3D::checkValidity(const std::string& location, bool checkSphereInc) {
     return guarded("Varn_3D::checkValidity()",
-                   [&] { return pDt3->checkValidity(location, checkSphereInc, checkSphereInc); });
+                   [&] { return pDt3->checkValidity(location, checkSphereInc); });
 }
 
 void Varn_3D::print(const std::string& label) {

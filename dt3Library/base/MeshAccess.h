@@ -19,9 +19,10 @@ struct MeshAccess {
     static Point3* corner(const Tet3* t, int i) { return t->aVertexPointer[i]; }
     static Tet3*& neighbour(Tet3* t, int i) { return t->aOppTets[i]; }
     static Tet3* neighbour(const Tet3* t, int i) { return t->aOppTets[i]; }
-    /// The index of a neighbour, which must be one. No branch: the index is anybody's guess.
+    /// The index of a neighbour, which must be one; else any index. No branch: the index is
+    /// unpredictable.
     static int indexOfNeighbour(const Tet3* t, const Tet3* other) {
-        return (t->aOppTets[1] == other ? 1 : 0) + (t->aOppTets[2] == other ? 2 : 0) +
+        return (t->aOppTets[1] == other ? 1 : 0) | (t->aOppTets[2] == other ? 2 : 0) |
                (t->aOppTets[3] == other ? 3 : 0);
     }
     static std::int32_t& customIndex(Tet3* t) { return t->customIndex; }
