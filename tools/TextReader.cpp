@@ -117,8 +117,8 @@ std::string_view TextReader::takeHead() {
         promisingLine = lines.lineNumber();
         row = takeRowAfterCount();
     }
-    const bool bChosen =
-        options.columns && !LayoutFinder({}, row, lines.lineNumber(), options.columns).fits();
+    const bool bChosen = !bHeadTaken && options.columns &&
+                         !LayoutFinder({}, row, lines.lineNumber(), options.columns).fits();
     if (namesAxes(row) || bChosen) {
         header = TextHeader{row, lines.lineNumber(), false};
         row = nextRow(row) ? row : std::string_view();
