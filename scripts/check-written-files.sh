@@ -120,14 +120,17 @@ for name in ["hull.ply", "ascii.ply", "hull.obj"]:
     if not clipped:
         volumes.append(numpy.linalg.det(corners).sum())
 assert min(volumes) > 0.999999 * max(volumes) > 0, volumes
-mesh = meshio.read("mesh.vtk")
+mesh = meshio.read("mesh.vtu")
+mesh.point_data = {"number": mesh.point_data["n_mber"].ravel()}
 meshio.write("theirs.node", mesh)
-for binary in [False, True]:
-    meshio.write("theirs%d.ply" % binary, meshio.Mesh(mesh.points, [("triangle", [[0, 1, 2]])]), binary=binary)
+mesh.cells = [meshio.CellBlock("triangle", numpy.array([[0, 1, 2]]))]
+for name in ["ascii", "binary"]:
+    meshio.write(f"theirs-{name}.ply", mesh, binary=name == "binary")
+mesh.point_data = {}
 for name in ["theirs.obj", "theirs.off"]:
-    meshio.write(name, meshio.Mesh(mesh.points, [("triangle", [[0, 1, 2]])]))
+    meshio.write(name, mesh)
 END
-    reads_the_same theirs.node theirs0.ply theirs1.ply theirs.obj theirs.off
+    reads_the_same theirs.node theirs-ascii.ply theirs-binary.ply theirs.obj theirs.off
 }
 # Whether files that others have written of the points make the same mesh.
 reads_the_same() {
