@@ -89,7 +89,7 @@ class Queries : public testing::TestWithParam<QueryInput> {
             // Beyond the hull, or far beyond.
             const Vector3 outwards = any() - center;
             result.push_back(any() + outwards);
-            result.push_back(result.back() + Vector3(40 * outwards.x(), 9 * outwards.y(), 0));
+            result.push_back(result.back() + Vector3(40 * outwards.x, 9 * outwards.y, 0));
             if (tets.empty()) continue;
             const Tet3* tet = tets[std::size_t(r.below(int(tets.size())))];
             const Point3 onEdge = sumOf(*tet->getCorner(r.below(2)), *tet->getCorner(2), 0.5);
