@@ -133,7 +133,8 @@ have() {
 # read_by_all NAME POINTS DELAUNAY [OPTION...]: DELAUNAY is what TetGen must say.
 read_by_all() {
     name=$1 delaunay=$3
-    grep -v '#' "$2" | awk '{ print $0, NR }' | sed '1s/^/# x y z number\n/' >numbered.xyz
+    awk 'BEGIN { print "# x y z number" }
+        $1 ~ /^[-0-9.]/ { print $1, $2, $3, ++n }' "$2" >numbered.xyz
     shift 3
     "$varn3d" numbered.xyz --medit mesh.mesh --tetgen mesh --vtk mesh.vtk --hull hull.ply "$@" >summary
     "$varn3d" numbered.xyz --quiet --ascii --vtk ascii.vtk --hull ascii.ply "$@"
@@ -154,8 +155,8 @@ tools="gmsh tetgen f3d meshio"
 awk 'BEGIN { for (i = 0; i < 250; ++i) print i % 5, int(i / 5) % 5, int(i / 25) % 5 }' >grid.xyz
 awk 'BEGIN { srand(1); for (i = 0; i < 500; ++i)
     printf "%.17g %.17g %.17g\n", 1e-9 * rand(), 1e-9 * rand(), -1e-9 * rand() }' >tiny.xyz
-read_by_all "scan" "$root/examples/data/bunny.xyz" "The mesh is Delaunay"
-read_by_all "clipped scan" "$root/examples/data/bunny.xyz" "consistent" --clip 'z<0.3'
+read_by_all "scan" "$root/examples/data/duck.ply" "The mesh is Delaunay"
+read_by_all "clipped scan" "$root/examples/data/duck.ply" "consistent" --clip 'x<10'
 read_by_all "grid given twice" grid.xyz "consistent"
 read_by_all "tiny box" tiny.xyz "The mesh is Delaunay"
 
