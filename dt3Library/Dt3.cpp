@@ -9,6 +9,7 @@
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/Profile.h"
 #include "dt3Library/engine/InsertionOrder.h"
+#include "dt3Library/engine/LiveTets.h"
 #include "dt3Library/engine/MeshCheck.h"
 #include "dt3Library/engine/meshDumps.h"
 #include "dt3Library/engine/startSimplex.h"
@@ -64,7 +65,7 @@ Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
-void Dt3::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles) {
     for (std::size_t i = 0; i < vInputPoints.size(); ++i)
         requireFinite(vInputPoints[i], i, "Dt3::insert()");
     if (bVerbose)
@@ -133,6 +134,7 @@ void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
         for (int i = 0; i < 4; ++i) MeshAccess::corner(first, i)->setOneTet(nullptr);
         tets.reset();
         pRecentTet = nullptr;
+        numInMesh = 0;
         bFullDimensional = false;
         throw;
     }
@@ -140,7 +142,9 @@ void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
 
 void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     VARN3D_TIME(secondsKernel);
-    pRecentTet = BatchInsertion(predicates, kernelSteps, tets, store).run(vVertices, pStart);
+    BatchInsertion batch(predicates, kernelSteps, tets, store);
+    pRecentTet = batch.run(vVertices, pStart);
+    numInMesh = batch.getNumVertices();
     hull.forgetAll();
 }
 
@@ -197,6 +201,7 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     engineCheck(place.place != WalkEnd::Place::OnTheWay, "locateResult!=-99", 802);
     VARN3D_COUNT(insertions, 1);
     pRecentTet = insertAt(place, pVtx);
+    if (place.place != WalkEnd::Place::AtVertex) ++numInMesh;
     return pRecentTet;
 }
 
@@ -235,6 +240,7 @@ Tet3* Dt3::startUp() {
     std::array<Point3*, 4> simplex;
     if (!findStartSimplex(vVertices, predicates, simplex)) return nullptr;
     pRecentTet = cavity.createTet(simplex[0], simplex[1], simplex[2], simplex[3]);
+    numInMesh = 4;
     bFullDimensional = true;
     return pRecentTet;
 }
@@ -256,7 +262,16 @@ void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const {
         std::cout << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
         return;
     }
-    tets.listLive(vTet);
+    const LiveTets live(tets);
+    vTet.reserve(live.size());
+    live.forEach([&](Tet3* tet) { vTet.push_back(tet); });
+}
+
+void Dt3::getHullFacets(std::vector<Facet3>& vFacets) const {
+    LiveTets(tets).forEach([&](Tet3* tet) {
+        for (int i = 0; i < 4; ++i)
+            if (MeshAccess::neighbour(tet, i) == nullptr) vFacets.emplace_back(tet, i);
+    });
 }
 
 std::vector<Tet3*> Dt3::listTetrahedra() const {

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
 #include "dt3Library/engine/AffineSpan.h"
@@ -10,6 +11,7 @@
 #include "dt3Library/engine/Locator.h"
 #include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/engine/VisibleHull.h"
+#include "dt3Library/engine/indexMesh.h"
 #include "dt3Library/kernel/BatchState.h"
 
 namespace VARN3D {
@@ -51,7 +53,7 @@ class Dt3 {
 
     /// Batch insertion: one handle for each input point, in input order. Prints "numPoints=" and
     /// the count. A coordinate that is not finite is refused before anything is stored.
-    void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+    void insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// Single insertion.
     Point3* insert(const Point3& point);
     /// Inserts the listed vertices, starting at a tetrahedron of the mesh. A vertex that equals one
@@ -65,7 +67,13 @@ class Dt3 {
     /// The tetrahedron that holds the point; null outside the hull and on its surface.
     Tet3* locate(const Point3& point);
     void getVertices(std::vector<Point3*>& vVertices) const { store.getVertices(vVertices); }
+    std::size_t getNumVertices() const { return store.getNumVertices(); }
+    std::size_t getNumTetrahedra() const { return tets.getNumLive(); }
+    /// How many vertices are in no tetrahedron.
+    std::size_t getNumWaiting() const { return store.getNumVertices() - numInMesh; }
     void getAllTetrahedra(std::vector<Tet3*>& vTet) const;
+    void getHullFacets(std::vector<Facet3>& vFacets) const;
+    IndexedMesh getIndexedMesh() const { return indexMesh(tets, store.getNumbers()); }
 
     // Diagnostics
 
@@ -91,6 +99,8 @@ class Dt3 {
     VisibleHull hull;
     bool bFullDimensional = false;
     HC3 store;
+    /// How many vertices are corners of tetrahedra.
+    std::size_t numInMesh = 0;
     AffineSpan span;
     Varn_3D* pOwner;
     const KernelSteps& kernelSteps;

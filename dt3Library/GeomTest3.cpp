@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/facets.h"
 #include "dt3Library/predicates/predicateStages.h"
 #include "dt3Library/tools.h"
 
@@ -51,7 +52,7 @@ inline Decision decide(const Points<Predicate>& points, double errorBound) {
 }
 
 /// By the sign plus 1; Shewchuk's orient3d counts the other handedness as positive. No branch: the
-/// sign is anybody's guess.
+/// sign is unpredictable.
 constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTATION3_COPLANAR,
                                                  ORIENTATION3_NEGATIVE};
 
@@ -59,9 +60,6 @@ constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTAT
 inline double larger(double a, double b) {
     return a < b ? b : a;
 }
-
-/// The order in which the corners of facet i see corner i on their positive side.
-constexpr int FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
 }  // namespace
 
@@ -118,7 +116,7 @@ Orientation3 GeomTest3::getOrientation3(const Point3* pa, const Point3* pb, cons
 Orientation3 GeomTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pD) const {
     varnAssertAt(range03(ith), "range03(ith)", "dt3Library/GeomTest3.h", 88);
     if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
-    const int* facet = FACET[ith];
+    const auto& facet = OUTER_FACET[ith];
     return getOrientation3(MeshAccess::corner(pC, facet[0]), MeshAccess::corner(pC, facet[1]),
                            MeshAccess::corner(pC, facet[2]), pD);
 }

@@ -4,6 +4,8 @@
 #include <iomanip>
 #include <iostream>
 
+#include "dt3Library/base/vectors.h"
+
 namespace VARN3D {
 
 Point3::Point3() : Point3(-DBL_MAX, -DBL_MAX, -DBL_MAX) {}
@@ -62,8 +64,7 @@ std::ostream& operator<<(std::ostream& out, const Point3& p) {
 Vector3 getNormalVector(const Point3& p0, const Point3& p1, const Point3& p2) {
     const Vector3 a = normalize(p1 - p0);
     const Vector3 b = normalize(p2 - p0);
-    return normalize(Vector3(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
-                             a.x() * b.y() - a.y() * b.x()));
+    return normalize(cross(a, b));
 }
 
 }  // namespace VARN3D

@@ -6,16 +6,14 @@
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/base/facets.h"
+#include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
 
 namespace {
-
-constexpr int FACET_CORNERS[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
-constexpr int EDGE_FIRST[12] = {1, 3, 2, 0, 2, 3, 0, 3, 1, 0, 1, 2};
-constexpr int EDGE_SECOND[12] = {3, 2, 1, 2, 3, 0, 3, 1, 0, 1, 2, 0};
 
 std::int32_t takeLabel() {
     return Tet3::runningLabel.fetch_add(1, std::memory_order_relaxed);
@@ -105,13 +103,6 @@ Point3 Tet3::getCircumcenter() const {
     const Vector3 b = *aVertexPointer[1] - a;
     const Vector3 c = *aVertexPointer[2] - a;
     const Vector3 d = *aVertexPointer[3] - a;
-    const auto cross = [](const Vector3& u, const Vector3& v) {
-        return Vector3(u.y() * v.z() - u.z() * v.y(), u.z() * v.x() - u.x() * v.z(),
-                       u.x() * v.y() - u.y() * v.x());
-    };
-    const auto dot = [](const Vector3& u, const Vector3& v) {
-        return u.x() * v.x() + u.y() * v.y() + u.z() * v.z();
-    };
     const Vector3 cd = cross(c, d);
     const Vector3 db = cross(d, b);
     const Vector3 bc = cross(b, c);
@@ -214,9 +205,9 @@ Facet3 Tet3::getFacet(int ith) {
 
 void Tet3::getFacetIndices(int opp3, int& a, int& b, int& c) const {
     varnAssertText(range03(opp3), "range03(opp3)");
-    a = FACET_CORNERS[opp3][0];
-    b = FACET_CORNERS[opp3][1];
-    c = FACET_CORNERS[opp3][2];
+    a = INNER_FACET[opp3][0];
+    b = INNER_FACET[opp3][1];
+    c = INNER_FACET[opp3][2];
 }
 
 Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI) {
@@ -227,8 +218,7 @@ Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI) {
 }
 
 std::pair<int, int> Tet3::getEdgeIndices(int i, int j) {
-    const int position = 3 * i + j;
-    return {EDGE_FIRST[position], EDGE_SECOND[position]};
+    return {OUTER_FACET[i][j], OUTER_FACET[i][(j + 1) % 3]};
 }
 
 // ---- Output ------------------------------------------------------------------------------------

@@ -36,21 +36,37 @@ bool Varn_3D::is3D() const {
     return pDt3->is3D();
 }
 
-void Varn_3D::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+void Varn_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
     guarded("Varn_3D::insert()", [&] { pDt3->insert(vInputPoints, vUserHandles); });
 }
 
-void Varn_3D::insert(std::vector<Point3>& vInputPoints) {
+void Varn_3D::insert(const std::vector<Point3>& vInputPoints) {
     std::vector<Point3*> vUserHandles;
     insert(vInputPoints, vUserHandles);
 }
 
-Point3* Varn_3D::insert(Point3& point) {
+void Varn_3D::insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUserHandles) {
+    guarded("Varn_3D::insert()", [&] { pDt3->insert(InputPoints(xyz, n), vUserHandles); });
+}
+
+Point3* Varn_3D::insert(const Point3& point) {
     return guarded("Varn_3D::insert()", [&] { return pDt3->insert(point); });
 }
 
 Tet3* Varn_3D::locate(const Point3& point) {
     return guarded("Varn_3D::locate()", [&] { return pDt3->locate(point); });
+}
+
+std::size_t Varn_3D::getNumVertices() const {
+    return pDt3->getNumVertices();
+}
+
+std::size_t Varn_3D::getNumTetrahedra() const {
+    return pDt3->getNumTetrahedra();
+}
+
+std::size_t Varn_3D::getNumWaiting() const {
+    return pDt3->getNumWaiting();
 }
 
 void Varn_3D::getVertices(std::vector<Point3*>& vVertices) const {
@@ -59,6 +75,14 @@ void Varn_3D::getVertices(std::vector<Point3*>& vVertices) const {
 
 void Varn_3D::getTetrahedra(std::vector<Tet3*>& vTets) const {
     guarded("Varn_3D::getTetrahedra()", [&] { pDt3->getAllTetrahedra(vTets); });
+}
+
+void Varn_3D::getHullFacets(std::vector<Facet3>& vFacets) const {
+    guarded("Varn_3D::getHullFacets()", [&] { pDt3->getHullFacets(vFacets); });
+}
+
+IndexedMesh Varn_3D::getIndexedMesh() const {
+    return guarded("Varn_3D::getIndexedMesh()", [&] { return pDt3->getIndexedMesh(); });
 }
 
 void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Export.h"
 #include "dt3Library/Facet3.h"
+#include "dt3Library/IndexedMesh.h"
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Point3.h"
 #include "dt3Library/Segment3.h"
@@ -67,16 +69,23 @@ class VARN3D_EXPORT Varn_3D {
     /// of at least as many new points as there are vertices takes the whole mesh over, and all
     /// pointers to tetrahedra from before are void. A mesh that could grow beyond 2^30 tetrahedra
     /// by such a batch counts as memory that runs out.
-    void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+    ///
+    /// The points are counted for their numbers (see `Point3::getIndex`). So are those of an
+    /// insertion that fails, unless it is a batch that then has no vUserHandles, or a coordinate is
+    /// not finite.
+    void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// The same without the vertices.
-    void insert(std::vector<Point3>& vInputPoints);
+    void insert(const std::vector<Point3>& vInputPoints);
+    /// The same for n points of which xyz holds x, y and z, one point after the other. They are
+    /// read where they are.
+    void insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUserHandles);
 
     /// Inserts one point and returns its vertex, or the one that has these coordinates already.
     /// Vertices that wait when it makes the first tetrahedron go on waiting, apart from that
     /// tetrahedron's corners, and a line says "Attention: triangulate has got an empty vector". A
     /// coordinate that is not finite is a failed check. O(log n) to find the place, and time in
     /// proportion to the tetrahedra that change.
-    Point3* insert(Point3& point);
+    Point3* insert(const Point3& point);
 
     /// The tetrahedron that holds a point, in its inside, on its boundary or at a corner. Null
     /// while there is no tetrahedron, outside the convex hull, and on its surface unless at a
@@ -85,12 +94,27 @@ class VARN3D_EXPORT Varn_3D {
     /// check.
     Tet3* locate(const Point3& point);
 
+    /// How many vertices there are, those that wait included. O(1).
+    std::size_t getNumVertices() const;
+    /// How many tetrahedra there are. O(1).
+    std::size_t getNumTetrahedra() const;
+    /// How many vertices wait, that is belong to no tetrahedron. O(1).
+    std::size_t getNumWaiting() const;
+
     /// Appends all vertices, those that wait included, each once, along the Hilbert curve. O(n).
     void getVertices(std::vector<Point3*>& vVertices) const;
 
     /// Lists all tetrahedra. vTets must be empty, a failed check otherwise. While there are none,
     /// prints "Dt3::getAllTetrahedra(), oneTet==NULL". O(n).
     void getTetrahedra(std::vector<Tet3*>& vTets) const;
+
+    /// Appends the facets of the convex hull, each once; their tetrahedra are the ones inside.
+    /// Nothing while there are no tetrahedra. O(n).
+    void getHullFacets(std::vector<Facet3>& vFacets) const;
+
+    /// The mesh in plain numbers. Without tetrahedra there are none in it, but the duplicates are.
+    /// More than 2^31 points inserted, or tetrahedra, are a failed check. O(n), one pass.
+    IndexedMesh getIndexedMesh() const;
 
     /// Appends the tetrahedra that have a vertex of this mesh as a corner, each once. Prints an
     /// error and adds nothing for a vertex that waits. Linear in their number.

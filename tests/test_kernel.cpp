@@ -47,12 +47,12 @@ std::uint64_t digestOfTwoBatches(const KernelSteps& steps, const Points& points)
     const auto middle = points.begin() + static_cast<std::ptrdiff_t>(points.size() / 3);
     Dt3 engine(nullptr, steps);
     Handles handles, later;
-    engine.insert({points.begin(), middle}, handles);
+    engine.insert(Points(points.begin(), middle), handles);
     std::map<std::array<Point3*, 4>, int> labels;
     for (Tet3* tet : tetsOf(engine))
         tet->setCustomIndex(labels[cornersOf(tet)] = MeshAccess::label(tet));
     const std::int32_t firstLabel = Tet3::runningLabel;
-    engine.insert({middle, points.end()}, later);
+    engine.insert(Points(middle, points.end()), later);
     for (const Tet3* tet : tetsOf(engine)) {
         const auto old = labels.find(cornersOf(tet));
         const int label = MeshAccess::label(tet);

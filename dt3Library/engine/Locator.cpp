@@ -1,6 +1,5 @@
 #include "dt3Library/engine/Locator.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <vector>
@@ -8,6 +7,8 @@
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/Profile.h"
+#include "dt3Library/base/bits.h"
+#include "dt3Library/base/vectors.h"
 #include "dt3Library/engine/HullEdge.h"
 #include "dt3Library/engine/star.h"
 
@@ -20,18 +21,12 @@ namespace {
 /// After so many facets the watchdog stops a walk.
 constexpr int MAX_STEPS = 10000;
 
-double squaredDistance(const Point3& a, const Point3& b) {
-    const Vector3 d = a - b;
-    return d.x() * d.x() + d.y() * d.y() + d.z() * d.z();
-}
-
 /// How many of the next `untested` facets, counted round from `facet`, certainly have the point on
 /// their inner side before the first that may not.
 int countInnerFacets(const FacetSides& sides, int facet, int untested) {
-    static constexpr std::uint8_t LOWEST_BIT[16] = {4, 0, 1, 0, 2, 0, 1, 0, 3, 0, 1, 0, 2, 0, 1, 0};
     const unsigned others =
         (sides.notInner << 4 | sides.notInner) >> facet & ((1U << untested) - 1U);
-    return others == 0 ? untested : LOWEST_BIT[others];
+    return static_cast<int>(lowestBit(others | 1U << untested));
 }
 
 /// Goes from vertex to neighbouring vertex as long as that comes nearer to the point; in a Delaunay

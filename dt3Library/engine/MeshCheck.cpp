@@ -5,6 +5,7 @@
 #include "dt3Library/Visualizer3.h"
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/vectors.h"
 #include "dt3Library/engine/meshDumps.h"
 
 namespace VARN3D {
@@ -24,9 +25,7 @@ void reportSphere(Tet3* tet, const Point3* vertex) {
     visualizer.writeTet(tet, "1 0 0 0.5");
     visualizer.writePoints({*vertex}, 8, "1 1 1 0.5");
     const Point3 centre = tet->getCircumcenter();
-    const Vector3 radius = *tet->getCorner(0) - centre;
-    visualizer.writeBall(
-        centre, radius.x() * radius.x() + radius.y() * radius.y() + radius.z() * radius.z());
+    visualizer.writeBall(centre, squaredDistance(*tet->getCorner(0), centre));
     visualizer.close();
 }
 

@@ -2,18 +2,9 @@
 
 #include <algorithm>
 
+#include "dt3Library/base/vectors.h"
+
 namespace VARN3D {
-
-namespace {
-
-double squaredDistance(const Point3& a, const Point3& b) {
-    const double dx = a.x() - b.x();
-    const double dy = a.y() - b.y();
-    const double dz = a.z() - b.z();
-    return dx * dx + dy * dy + dz * dz;
-}
-
-}  // namespace
 
 void VertexTable::build(const SimplePool<Point3>& vertices, const Bbox3& box) {
     order.setFrame(box);
