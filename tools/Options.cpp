@@ -65,8 +65,8 @@ void refuseNamesGivenTwice(std::vector<std::string> names) {
     std::vector<std::string> seen;
     for (const std::string& name : names) {
         std::error_code ignored;
-        const std::string real =
-            std::filesystem::weakly_canonical(std::filesystem::absolute(name), ignored).string();
+        const auto path = std::filesystem::absolute(std::filesystem::u8path(name));
+        const std::string real = std::filesystem::weakly_canonical(path, ignored).u8string();
         if (std::find(seen.begin(), seen.end(), real) != seen.end()) {
             throw InputError(name, "named twice");
         }
