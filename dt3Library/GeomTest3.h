@@ -81,6 +81,13 @@ class GeomTest3 {
     bool isStrictlyInSphere(const Point3* pa, const Point3* pb, const Point3* pc, const Point3* pd,
                             const Point3* pe) const;
 
+    /// Whether a point lies exactly on the circumsphere of a tetrahedron.
+    bool isOnSphere(const Tet3* pTet, const Point3* pE) const;
+
+    /// Compares the distances of two points from a third: -1 where pa is nearer, 1 where pb is, 0
+    /// for equal ones.
+    int compareDistances(const Point3* pa, const Point3* pb, const Point3* from) const;
+
     /// Whether three points lie exactly on one line (coinciding points do).
     bool areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const;
 

@@ -12,6 +12,7 @@
 #include "dt3Library/IndexedMesh.h"
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Point3.h"
+#include "dt3Library/PointLocator.h"
 #include "dt3Library/Segment3.h"
 #include "dt3Library/Tet3.h"
 #include "dt3Library/Triangle3.h"
@@ -145,6 +146,8 @@ class VARN3D_EXPORT Varn_3D {
     void setVerbosity(bool bVerbose);
 
   private:
+    friend class PointLocator;
+
     Dt3* pDt3;
 };
 

@@ -3,7 +3,7 @@
 set -eu
 
 classes='Varn_3D|Point3|Vector3|Bbox3|Segment3|Triangle3|Ball3|Tet3|Edge3|Facet3'
-classes="$classes|TetAroundEdgeIterator|VarnException"
+classes="$classes|TetAroundEdgeIterator|VarnException|PointLocator"
 functions='getNormalVector|isRelease|getMajorVersionNumber|getMinorVersionNumber'
 functions="$functions|getRevisionNumber|getVarn3DVersion|timer|generateRandomNumbers"
 functions="$functions|generateRandomPoints|normalize|operator<<"
