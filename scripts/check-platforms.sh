@@ -103,10 +103,9 @@ windows_program() {
 }
 
 run_program() {
-    # The second files replace the first ones.
-    for points in ../Ente-ü-鴨.ply h.ply; do
-        "$@" $points --quiet --check --vtk grün.vtk --tetgen 四面体 --medit m.mesh --hull h.ply
-    done
+    "$@" ../Ente-ü-鴨.ply --quiet --check --vtk grün.vtk --tetgen 四面体 --hull h.ply
+    # This replaces the older file.
+    "$@" h.ply --quiet --vtk grün.vtk --medit m.mesh
     "$@" - --quiet --vtk input.vtu <h.ply
     "$@" missing-ü.ply >message 2>&1 && exit 1
     sed -i 's/\r$//' message
