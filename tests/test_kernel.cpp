@@ -91,7 +91,7 @@ TEST(Kernel, walksStartAtVerticesInsertedBefore) {
         std::vector<CompactVertex> compact(1);
         for (Point3& p : points) {
             vertices.push_back(&p);
-            compact.push_back({{p.x(), p.y(), p.z()}, 0});
+            compact.push_back({{p.x(), p.y(), p.z()}, 0, 0});
         }
         const EarlierNeighbours neighbours(vertices, 5);
         for (VertexNumber v = 5; v < vertices.size(); ++v)

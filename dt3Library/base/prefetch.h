@@ -4,17 +4,22 @@
 
 namespace VARN3D {
 
+/// Prefetches the cache line of an address; nothing where the compiler offers no such hint.
+inline void prefetchLine(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    static_cast<void>(address);
+#endif
+}
+
 /// Prefetches a tetrahedron or a vertex, which may begin in one cache line and end in the next.
-/// Does nothing for null, and nothing where the compiler offers no such hint.
+/// Does nothing for null.
 template <class Record>
 inline void prefetchRecord(const Record* record) {
-#if defined(__GNUC__)
     const auto address = reinterpret_cast<std::uintptr_t>(record);
-    __builtin_prefetch(reinterpret_cast<const void*>(address));
-    __builtin_prefetch(reinterpret_cast<const void*>(address + sizeof(Record) - 1));
-#else
-    static_cast<void>(record);
-#endif
+    prefetchLine(reinterpret_cast<const void*>(address));
+    prefetchLine(reinterpret_cast<const void*>(address + sizeof(Record) - 1));
 }
 
 }  // namespace VARN3D

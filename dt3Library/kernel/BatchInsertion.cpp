@@ -6,6 +6,7 @@
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "dt3Library/kernel/RecordWriter.h"
+#include "dt3Library/kernel/StartsAhead.h"
 
 namespace VARN3D {
 
@@ -80,10 +81,8 @@ void BatchInsertion::setUpState() {
                                          records.size() + expectedTets(points.size() - firstNew),
                                          frame.isCertifiable());
     CompactVertex* const vertices = state->mesh.vertices();
-    for (std::size_t i = 1; i <= numVertices; ++i) {
+    for (std::size_t i = 1; i <= numVertices; ++i)
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
-        vertices[i].firstLabel = 0;
-    }
     state->findLattice(numVertices);
 }
 
@@ -102,10 +101,9 @@ void BatchInsertion::insertAll(Slot start) {
 
     const EarlierNeighbours neighbours(points, vertex);
     state->listIncident();
-    for (; vertex <= numVertices; ++vertex) {
-        const VertexNumber near = neighbours.nearestTo(state->mesh.vertices(), vertex);
-        steps.insertVertex(*state, vertex, state->incident[near]);
-    }
+    StartsAhead starts(*state, neighbours, vertex, numVertices);
+    for (; vertex <= numVertices; ++vertex)
+        steps.insertVertex(*state, vertex, starts.startFor(vertex));
 }
 
 }  // namespace VARN3D
