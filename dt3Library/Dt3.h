@@ -1,23 +1,26 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
 #include "dt3Library/engine/AffineSpan.h"
 #include "dt3Library/engine/Cavity.h"
-#include "dt3Library/engine/HullEdge.h"
-#include "dt3Library/engine/HullTurns.h"
-#include "dt3Library/engine/PointerPairSet.h"
+#include "dt3Library/engine/Locator.h"
 #include "dt3Library/engine/TetRecycler.h"
+#include "dt3Library/engine/VisibleHull.h"
+#include "dt3Library/engine/indexMesh.h"
 #include "dt3Library/kernel/BatchState.h"
 
 namespace VARN3D {
 
 class Varn_3D;
 
-/// The triangulation engine behind `Varn_3D`: incremental insertion by conflict regions.
+/// The triangulation engine behind `Varn_3D`: incremental insertion by conflict regions. It owns
+/// vertices and tetrahedra and drives those who do the work.
 ///
 /// Between insertions the mesh satisfies:
 ///  (I1) every tetrahedron is positively oriented;
@@ -38,13 +41,6 @@ class Varn_3D;
 /// in an insertion the engine can only be destroyed; its vertices can still be read.
 class Dt3 {
   public:
-    /// Location results besides the facet indices 0 to 3.
-    enum LocationResult {
-        LOCATED_INSIDE = -1,
-        LOCATED_VERTEX = -2,
-        LOCATION_STOPPED = -99,
-    };
-
     /// The mesh doesn't depend on the kernel's steps.
     explicit Dt3(Varn_3D* pOwner, const KernelSteps& steps = fastestSteps());
     Dt3(const Dt3&) = delete;
@@ -58,7 +54,7 @@ class Dt3 {
 
     /// Batch insertion: one handle for each input point, in input order. Prints "numPoints=" and
     /// the count. A coordinate that is not finite is refused before anything is stored.
-    void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+    void insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// Single insertion.
     Point3* insert(const Point3& point);
     /// Inserts the listed vertices, starting at a tetrahedron of the mesh. A vertex that equals one
@@ -67,83 +63,59 @@ class Dt3 {
     /// Inserts one vertex. Returns the tetrahedron from which the next walk should start.
     Tet3* insertVertex(Point3*& pVtx, Tet3* pCurTet);
 
-    // Location
-
-    /// Walks from pStartTet to the tetrahedron that holds the point and leaves it there. Returns
-    /// one of the location results, or the index of a hull facet that the point lies beyond or on.
-    int locateConflictTet(const Point3* pVtx, Tet3*& pStartTet) const;
-    /// The tetrahedron that holds the point; null outside the hull and on its surface.
-    Tet3* locate(const Point3& point);
-
     // Queries
 
+    const HC3& getStore() const { return store; }
+    /// A tetrahedron of the mesh; null while there is none.
+    Tet3* getRecentTet() const { return pRecentTet; }
+    /// Another number after each call that may change vertices or mesh.
+    std::uint64_t getRevision() const { return revision; }
+    /// The tetrahedron that holds the point; null outside the hull and on its surface.
+    Tet3* locate(const Point3& point);
     void getVertices(std::vector<Point3*>& vVertices) const { store.getVertices(vVertices); }
+    std::size_t getNumVertices() const { return store.getNumVertices(); }
+    std::size_t getNumTetrahedra() const { return tets.getNumLive(); }
+    /// How many vertices are in no tetrahedron.
+    std::size_t getNumWaiting() const { return store.getNumVertices() - numInMesh; }
     void getAllTetrahedra(std::vector<Tet3*>& vTet) const;
-    static void getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets);
+    void getHullFacets(std::vector<Facet3>& vFacets) const;
+    IndexedMesh getIndexedMesh() const { return indexMesh(tets, store.getNumbers()); }
 
     // Diagnostics
 
-    bool checkValidity(const std::string& location, bool checkVisited, bool checkSphereInc) const;
-    void show(const std::string& filename, Point3* pVertex) const;
+    bool checkValidity(const std::string& location, bool checkSphereInc) const;
+    void show(const std::string& filename, const Point3* pVertex) const;
     void print(const std::string& label) const;
 
   private:
-    // Start-up
+    std::vector<Tet3*> listTetrahedra() const;
     Tet3* startUp();
-    bool findStartUpSimplex(const std::vector<Point3*>& vVertices, Point3* simplex[4]) const;
     bool spansSpace(const std::vector<Point3*>& vNew);
-
-    // Insertion steps
     void insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints);
     void insertLaterBatch(std::vector<Point3*>& vNew);
     void insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart);
     void takeInLeftOver(std::vector<Point3*>& vNew) const;
     Tet3* startTetNear(const Point3& point);
-    Tet3* insertLocated(Point3*& pVtx, Tet3* pCurTet, int locateResult);
-    Tet3* insertDuplicate(Point3*& pVtx, Tet3* pCurTet, int locateResult) const;
-
-    // Walk
-    static constexpr int MAX_STEPS = 10000;
-    int walk(const Point3* pVtx, Tet3*& pStartTet, int maxSteps) const;
-    int locateAtNearestVertex(const Point3& point, Tet3*& pTet) const;
-    static void findNearestStar(const Point3& point, Tet3* pTet, const Point3*& pNearest,
-                                std::vector<Tet3*>& star);
-    static void stopWalk(Tet3*& pTet);
-    void checkEntry(const Tet3* pStartTet, int entry, const Point3* pVtx,
-                    const FacetSides& sides) const;
-    int examineCoplanar(const Point3* pVtx, Tet3*& pStartTet, int facet) const;
-    static int circulateToHull(Tet3*& pStartTet, int opp3ICI, int opp2ICI);
-
-    // Outside the hull
-    Tet3* insertOutsideHull(Point3* pVtx, Tet3* pCurTet, int opp3ICI);
-    void collectVisibleHullTets(const Point3* pVtx, Tet3* pCurTet, int opp3ICI);
-
-    // Faults
-    bool checkTet(const std::string& location, Tet3* pTet, bool checkSphereInc) const;
-    void reportNegativeSide(const std::string& location, Tet3* pTet, int ith, Point3* pVtx,
-                            Orientation3 orientation) const;
-    static void reportSphere(Tet3* pTet, Point3* pVtx);
+    Tet3* insertAt(const WalkEnd& place, Point3*& pVtx);
 
     GeomTest3 predicates;
+    Locator locator;
     TetRecycler tets;
     Cavity cavity;
+    VisibleHull hull;
     bool bFullDimensional = false;
     HC3 store;
+    /// How many vertices are corners of tetrahedra.
+    std::size_t numInMesh = 0;
     AffineSpan span;
     Varn_3D* pOwner;
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
+    std::uint64_t revision = 0;
     /// Whether an insertion has failed and no batch has come to its end since.
     bool bFailed = false;
     /// A tetrahedron of the mesh: where the last insertion ended.
     Tet3* pRecentTet = nullptr;
-
-    // Lists of one insertion outside the hull, kept for their memory.
-    std::vector<Tet3*> vVisible;
-    std::vector<HullEdge> hullEdges;
-    HullTurns hullTurns;
-    PointerPairSet seenEdges;
-    PointerPairSet seenTets;
 };
 
 }  // namespace VARN3D

@@ -4,15 +4,20 @@
 #include <iostream>
 #include <utility>
 
+#include "dt3Library/base/facets.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
 
 namespace {
 
-constexpr int NO_EDGE = -99;
-constexpr int SOURCE[16] = {NO_EDGE, 2, 3, 1, 3, NO_EDGE, 0, 2, 1, 3, NO_EDGE, 0, 2, 0, 1, NO_EDGE};
-constexpr int TARGET[16] = {NO_EDGE, 3, 1, 2, 2, NO_EDGE, 3, 0, 3, 0, NO_EDGE, 1, 1, 2, 0, NO_EDGE};
+/// Of facet opp3, counter-clockwise seen from outside, the corner so many steps after corner opp2.
+int cornerAfter(int opp3, int opp2, int steps) {
+    constexpr int NO_EDGE = -99;
+    for (int k = 0; k < 3; ++k)
+        if (INNER_FACET[opp3][k] == opp2) return INNER_FACET[opp3][(k + steps) % 3];
+    return NO_EDGE;
+}
 
 }  // namespace
 
@@ -24,11 +29,11 @@ Edge3::Edge3(Tet3* pTheTet, int opp3, int opp2) : pTet(pTheTet), opp3ICI(opp3), 
 }
 
 int Edge3::getSourceIndex() const {
-    return SOURCE[opp3ICI * 4 + opp2ICI];
+    return cornerAfter(opp3ICI, opp2ICI, 1);
 }
 
 int Edge3::getTargetIndex() const {
-    return TARGET[opp3ICI * 4 + opp2ICI];
+    return cornerAfter(opp3ICI, opp2ICI, 2);
 }
 
 bool Edge3::operator==(const Edge3& other) const {

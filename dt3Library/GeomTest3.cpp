@@ -4,11 +4,13 @@
 #include <limits>
 
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/facets.h"
 #include "dt3Library/predicates/predicateStages.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
 
+using predicateStages::DistanceOrder;
 using predicateStages::Estimate;
 using predicateStages::Orientation;
 using predicateStages::Orientation2D;
@@ -50,8 +52,13 @@ inline Decision decide(const Points<Predicate>& points, double errorBound) {
     return decideExactly(points, estimate);
 }
 
+Points<Sphere> sphereOf(const Tet3* tet, const Point3* p) {
+    return {{MeshAccess::corner(tet, 0), MeshAccess::corner(tet, 1), MeshAccess::corner(tet, 2),
+             MeshAccess::corner(tet, 3), p}};
+}
+
 /// By the sign plus 1; Shewchuk's orient3d counts the other handedness as positive. No branch: the
-/// sign is anybody's guess.
+/// sign is unpredictable.
 constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTATION3_COPLANAR,
                                                  ORIENTATION3_NEGATIVE};
 
@@ -59,9 +66,6 @@ constexpr Orientation3 ORIENTATION_OF_SIGN[3] = {ORIENTATION3_POSITIVE, ORIENTAT
 inline double larger(double a, double b) {
     return a < b ? b : a;
 }
-
-/// The order in which the corners of facet i see corner i on their positive side.
-constexpr int FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
 }  // namespace
 
@@ -118,7 +122,7 @@ Orientation3 GeomTest3::getOrientation3(const Point3* pa, const Point3* pb, cons
 Orientation3 GeomTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pD) const {
     varnAssertAt(range03(ith), "range03(ith)", "dt3Library/GeomTest3.h", 88);
     if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
-    const int* facet = FACET[ith];
+    const auto& facet = OUTER_FACET[ith];
     return getOrientation3(MeshAccess::corner(pC, facet[0]), MeshAccess::corner(pC, facet[1]),
                            MeshAccess::corner(pC, facet[2]), pD);
 }
@@ -158,14 +162,26 @@ bool GeomTest3::isStrictlyInSphere(const Point3* pa, const Point3* pb, const Poi
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
-    const Points<Sphere> points{{MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
-                                 MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE}};
+    const Points<Sphere> points = sphereOf(pTet, pE);
     const Decision decision = decide(points, constants.isperrboundA);
     VARN3D_COUNT_STAGE(sphere, decision.stage);
     if (decision.sign != 0) return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;
     for (int i = 0; i < 4; ++i)
         if (*points.p[i] == *pE) return SIC_INSIDE;
     return SIC_OUTSIDE;
+}
+
+bool GeomTest3::isOnSphere(const Tet3* pTet, const Point3* pE) const {
+    const Decision decision = decide(sphereOf(pTet, pE), constants.isperrboundA);
+    VARN3D_COUNT_STAGE(sphere, decision.stage);
+    return decision.sign == 0;
+}
+
+int GeomTest3::compareDistances(const Point3* pa, const Point3* pb, const Point3* from) const {
+    const Decision decision =
+        decide<DistanceOrder>({{pa, pb, from}}, predicateStages::DISTANCE_FILTER_BOUND);
+    VARN3D_COUNT_STAGE(distance, decision.stage);
+    return decision.sign;
 }
 
 bool GeomTest3::areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
-#include <iostream>
 
-#include "dt3Library/base/prefetch.h"
+#include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/store/CurveSort.h"
 #include "dt3Library/store/radixSort.h"
 #include "dt3Library/tools.h"
@@ -33,7 +33,7 @@ void orderWithinCell(Point3** first, Point3** last) {
 
 HC3::HC3(unsigned keyBits) : numBits(keyBits) {
     if (numBits == 0 || numBits >= 33 || numBits % 3 != 0) {
-        std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
+        messageStream() << "HC3::HC3(..): invalid bitlength" << std::endl;
         varnAssertText(false, "false");
     }
     vertices.init();
@@ -55,10 +55,24 @@ void HC3::enlargeBox(double factor) {
     bTableValid = false;
 }
 
-Point3* HC3::newVertex(const Point3& point) {
-    Point3* slot = vertices.alloc();
+/// Grows the box to hold the points. Returns whether it has changed.
+bool HC3::growBox(const InputPoints& points) {
+    Point3 low = points[0];
+    Point3 high = low;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point3 p = points[i];
+        low.exchange(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
+        high.exchange(std::max(high.x(), p.x()), std::max(high.y(), p.y()),
+                      std::max(high.z(), p.z()));
+    }
+    const bool bLower = bbox.add(low);
+    return bbox.add(high) || bLower;
+}
+
+Point3* HC3::newVertex(const Point3& point, std::uint64_t place) {
+    Point3* const slot = vertices.alloc();
     ++numVertices;
-    return new (slot) Point3(point.x(), point.y(), point.z());
+    return MeshAccess::newVertex(slot, point, PointNumbers::numberAt(place));
 }
 
 VertexTable& HC3::getTable() {
@@ -75,16 +89,17 @@ void HC3::enterInTable(VertexTable::Place place, Point3* vertex) {
     bTableValid = true;
 }
 
-void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserHandles,
+void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
                  std::vector<Point3*>& vNew) {
     varnAssertText(vUserHandles.empty(), "vUserHandles.empty()");
     if (points.empty()) return;
     vUserHandles.resize(points.size());
     vNew.reserve(points.size());
-    if (bbox.add(points)) enlargeBox(bFirstEnlargement.exchange(false) ? 0.1 : 1.0);
+    firstPlace = numbers.count(points.size());
+    if (growBox(points)) enlargeBox(bFirstEnlargement.exchange(false) ? 0.1 : 1.0);
 
     const std::vector<KeyedPosition> vHIndexIndexPair =
-        sortedByKey(points.size(), [&](std::size_t i) { return &points[i]; });
+        sortedByKey(points.size(), [&](std::size_t i) { return points[i]; });
     const bool bFirst = numVertices == 0;
     const KeyedPosition* const end = vHIndexIndexPair.data() + vHIndexIndexPair.size();
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
@@ -92,7 +107,7 @@ void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserH
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
         // The curve's order has little to do with that of the points.
         constexpr std::ptrdiff_t AHEAD = 16;
-        if (end - last > AHEAD) prefetchRecord(&points[positionOf(last[AHEAD])]);
+        if (end - last > AHEAD) points.prefetch(positionOf(last[AHEAD]));
         const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
         if (bFirst)
             insertRun(points, first, last, vUserHandles, vNew);
@@ -101,11 +116,12 @@ void HC3::insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserH
         orderWithinCell(vNew.data() + numBefore, vNew.data() + vNew.size());
         first = last;
     }
+    numbers.addDuplicates(firstPlace, vUserHandles, vNew.size());
     bPoolInCurveOrder = bFirst;
 }
 
 /// Those points of a run that equal an earlier one of it, in the order of the run.
-std::vector<HC3::Duplicate> HC3::findDuplicates(const std::vector<Point3>& points,
+std::vector<HC3::Duplicate> HC3::findDuplicates(const InputPoints& points,
                                                 const KeyedPosition* first,
                                                 const KeyedPosition* last) const {
     struct Entry {
@@ -118,8 +134,8 @@ std::vector<HC3::Duplicate> HC3::findDuplicates(const std::vector<Point3>& point
         sorted.push_back({points[positionOf(*keyed)].x(), positionOf(*keyed)});
     std::sort(sorted.begin(), sorted.end(), [&](const Entry& a, const Entry& b) {
         if (a.x < b.x || b.x < a.x) return a.x < b.x;
-        const Point3& pa = points[a.position];
-        const Point3& pb = points[b.position];
+        const Point3 pa = points[a.position];
+        const Point3 pb = points[b.position];
         return pa < pb || (!(pb < pa) && a.position < b.position);
     });
     // The first of each group of equals is the one that becomes a vertex.
@@ -138,11 +154,11 @@ std::vector<HC3::Duplicate> HC3::findDuplicates(const std::vector<Point3>& point
 }
 
 /// Enters points that share a key: only among these can there be equal coordinates.
-void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
+void HC3::insertRun(const InputPoints& points, const KeyedPosition* first,
                     const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                     std::vector<Point3*>& vNew) {
     const auto enter = [&](std::size_t position) {
-        vNew.push_back(newVertex(points[position]));
+        vNew.push_back(newVertex(points[position], firstPlace + position));
         vUserHandles[position] = vNew.back();
     };
     if (last - first == 1) {
@@ -152,7 +168,7 @@ void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* firs
     if (last - first <= MAX_UNORDERED) {
         const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
         for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
-            const Point3& point = points[positionOf(*keyed)];
+            const Point3 point = points[positionOf(*keyed)];
             const auto equal = std::find_if(vNew.begin() + numBefore, vNew.end(),
                                             [&](const Point3* p) { return *p == point; });
             if (equal == vNew.end())
@@ -174,17 +190,17 @@ void HC3::insertRun(const std::vector<Point3>& points, const KeyedPosition* firs
 }
 
 /// Enters points that share a key, some of which may be stored already.
-void HC3::insertLaterRun(const std::vector<Point3>& points, const KeyedPosition* first,
+void HC3::insertLaterRun(const InputPoints& points, const KeyedPosition* first,
                          const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                          std::vector<Point3*>& vNew) {
     VertexTable& vertexTable = getTable();
     for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
         const std::size_t position = positionOf(*keyed);
-        const Point3& point = points[position];
+        const Point3 point = points[position];
         const VertexTable::Place place = vertexTable.lowerBound(point);
         Point3* vertex = vertexTable.vertexAt(place, point);
         if (vertex == nullptr) {
-            vertex = newVertex(point);
+            vertex = newVertex(point, firstPlace + position);
             enterInTable(place, vertex);
             vNew.push_back(vertex);
         }
@@ -193,15 +209,17 @@ void HC3::insertLaterRun(const std::vector<Point3>& points, const KeyedPosition*
 }
 
 std::pair<Point3*, Tet3*> HC3::insertOne(const Point3& point, std::size_t entriesASide) {
+    const std::uint64_t numberPlace = numbers.count(1);
     if (bbox.add(point)) enlargeBox(1.0);
     VertexTable& vertexTable = getTable();
     const VertexTable::Place place = vertexTable.lowerBound(point);
     Point3* vertex = vertexTable.vertexAt(place, point);
+    if (vertex != nullptr) numbers.addDuplicate(numberPlace, vertex);
     if (vertex != nullptr && vertex->getOneTet() != nullptr) return {vertex, vertex->getOneTet()};
     Tet3* start = vertexTable.findTet(place, point, entriesASide);
     if (vertex == nullptr) {
         bPoolInCurveOrder = false;
-        vertex = newVertex(point);
+        vertex = newVertex(point, numberPlace);
         enterInTable(place, vertex);
     }
     return {vertex, start};
@@ -213,13 +231,15 @@ Tet3* HC3::findStartTet(const Point3& point, std::size_t entriesASide) {
 }
 
 HC3::Mark HC3::mark() const {
-    return {vertices.mark(), numVertices, bbox, grid, bValid, bPoolInCurveOrder, bFirstEnlargement};
+    return {vertices.mark(), numbers.mark(),    numVertices,      bbox, grid,
+            bValid,          bPoolInCurveOrder, bFirstEnlargement};
 }
 
 void HC3::rewind(const Mark& mark) noexcept {
     // The margin that the batch may have taken is left for its repetition.
     if (mark.bFirstMarginLeft) bFirstEnlargement = true;
     vertices.rewind(mark.vertices);
+    numbers.rewind(mark.numbers);
     numVertices = mark.numVertices;
     bbox = mark.bbox;
     grid = mark.grid;
@@ -239,7 +259,7 @@ void HC3::getVertices(std::vector<Point3*>& vVertices) const {
     const std::vector<Point3*> stored(vVertices.begin() + static_cast<std::ptrdiff_t>(begin),
                                       vVertices.end());
     const std::vector<KeyedPosition> keyed =
-        sortedByKey(numVertices, [&](std::size_t i) { return stored[i]; });
+        sortedByKey(numVertices, [&](std::size_t i) -> const Point3& { return *stored[i]; });
     for (std::size_t i = 0; i < numVertices; ++i)
         vVertices[begin + i] = stored[positionOf(keyed[i])];
 }
@@ -250,7 +270,7 @@ void HC3::listForInsertion(std::vector<Point3*>& vVertices) const {
     const std::size_t n = vVertices.size();
     std::vector<KeyedPosition> keyed;
     grid.keyedPositions(
-        n, positionBits(), [&](std::size_t i) { return vVertices[i]; }, keyed);
+        n, positionBits(), [&](std::size_t i) -> const Point3& { return *vVertices[i]; }, keyed);
     for (std::size_t first = 0; first < n;) {
         std::size_t last = first + 1;
         while (last < n && keyOf(keyed[last]) == keyOf(keyed[first])) ++last;

@@ -8,6 +8,8 @@
 #include "dt3Library/Point3.h"
 #include "dt3Library/geom_tools/SimplePool.h"
 #include "dt3Library/store/HilbertGrid.h"
+#include "dt3Library/store/InputPoints.h"
+#include "dt3Library/store/PointNumbers.h"
 #include "dt3Library/store/VertexTable.h"
 #include "dt3Library/store/radixSort.h"
 
@@ -37,7 +39,7 @@ class HC3 {
     /// order; `vNew` gets the vertices that are new, in curve order: equal keys in input order,
     /// but where more than eight share a key, along a finer curve.
     /// O(n) for the first batch, O(n log m) with m vertices stored before.
-    void insert(const std::vector<Point3>& points, std::vector<Point3*>& vUserHandles,
+    void insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
                 std::vector<Point3*>& vNew);
 
     /// Stores one point. Returns its vertex and a tetrahedron from which to locate it: one that
@@ -52,6 +54,7 @@ class HC3 {
     /// What `rewind` needs to take back all that is stored after it.
     struct Mark {
         SimplePool<Point3>::Mark vertices;
+        PointNumbers::Mark numbers;
         std::size_t numVertices;
         Bbox3 bbox;
         HilbertGrid grid;
@@ -71,6 +74,7 @@ class HC3 {
     /// All vertices in the order in which a batch of them would be listed. O(n).
     void listForInsertion(std::vector<Point3*>& vVertices) const;
 
+    const PointNumbers& getNumbers() const { return numbers; }
     const Bbox3& getBbox() const { return bbox; }
     const SimplePool<Point3>& getPool() const { return vertices; }
 
@@ -98,17 +102,16 @@ class HC3 {
         return keyed;
     }
 
+    bool growBox(const InputPoints& points);
     void enlargeBox(double factor);
-    std::vector<Duplicate> findDuplicates(const std::vector<Point3>& points,
-                                          const KeyedPosition* first,
+    std::vector<Duplicate> findDuplicates(const InputPoints& points, const KeyedPosition* first,
                                           const KeyedPosition* last) const;
-    void insertRun(const std::vector<Point3>& points, const KeyedPosition* first,
-                   const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
-                   std::vector<Point3*>& vNew);
-    void insertLaterRun(const std::vector<Point3>& points, const KeyedPosition* first,
+    void insertRun(const InputPoints& points, const KeyedPosition* first, const KeyedPosition* last,
+                   std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
+    void insertLaterRun(const InputPoints& points, const KeyedPosition* first,
                         const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                         std::vector<Point3*>& vNew);
-    Point3* newVertex(const Point3& point);
+    Point3* newVertex(const Point3& point, std::uint64_t place);
     VertexTable& getTable();
     void enterInTable(VertexTable::Place place, Point3* vertex);
 
@@ -118,6 +121,9 @@ class HC3 {
     bool bValid = false;
     SimplePool<Point3> vertices;
     std::size_t numVertices = 0;
+    PointNumbers numbers;
+    /// How many points came before those of the present batch.
+    std::uint64_t firstPlace = 0;
     VertexTable table;
     bool bTableValid = false;
     /// Whether the pool's order is the curve's: true after one batch, until anything is added.

@@ -2,7 +2,9 @@
 
 #include <cfloat>
 #include <iomanip>
-#include <iostream>
+
+#include "dt3Library/base/messages.h"
+#include "dt3Library/base/vectors.h"
 
 namespace VARN3D {
 
@@ -35,7 +37,7 @@ void Point3::xyz(double& x, double& y, double& z) const {
 }
 
 Point3 Point3::operator+(const Vector3& v) const {
-    return Point3(xx + v.x(), yy + v.y(), zz + v.z());
+    return Point3(xx + v.x, yy + v.y, zz + v.z);
 }
 
 Vector3 Point3::operator-(const Point3& other) const {
@@ -51,7 +53,7 @@ bool Point3::operator<(const Point3& other) const {
 }
 
 void Point3::debug() const {
-    std::cout << "Point3: " << xx << "," << yy << "," << zz << std::endl;
+    messageStream() << "Point3: " << xx << "," << yy << "," << zz << std::endl;
 }
 
 std::ostream& operator<<(std::ostream& out, const Point3& p) {
@@ -62,8 +64,7 @@ std::ostream& operator<<(std::ostream& out, const Point3& p) {
 Vector3 getNormalVector(const Point3& p0, const Point3& p1, const Point3& p2) {
     const Vector3 a = normalize(p1 - p0);
     const Vector3 b = normalize(p2 - p0);
-    return normalize(Vector3(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
-                             a.x() * b.y() - a.y() * b.x()));
+    return normalize(cross(a, b));
 }
 
 }  // namespace VARN3D

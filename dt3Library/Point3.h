@@ -26,7 +26,7 @@ class VARN3D_EXPORT Point3 {
 
     /// Copies coordinates and index; a copy is never a mesh vertex, so its tetrahedron is null.
     Point3(const Point3& other) : xx(other.xx), yy(other.yy), zz(other.zz), index(other.index) {}
-    /// Copies everything, the link to the tetrahedron included.
+    /// Copies coordinates, index and the link to the tetrahedron.
     Point3& operator=(const Point3& other);
     ~Point3() = default;
 
@@ -49,6 +49,13 @@ class VARN3D_EXPORT Point3 {
     /// For the engine: sets that tetrahedron. A host that does so breaks its mesh.
     void setOneTet(Tet3* pTet) { pOneTet = pTet; }
 
+    /// The vertex's number: that of the first input point with its coordinates, the points of all
+    /// insertions counted from 0, until the host sets another. -1 in any other point, and where
+    /// 2^31 points came before.
+    int getIndex() const { return index; }
+    /// Sets that number. The library doesn't read it.
+    void setIndex(int value) { index = value; }
+
     /// The point moved by v, without tetrahedron and with index -1.
     Point3 operator+(const Vector3& v) const;
     /// The vector from other to this point.
@@ -65,18 +72,25 @@ class VARN3D_EXPORT Point3 {
     void debug() const;
 
   private:
+    friend struct MeshAccess;
+
     double xx;
     double yy;
     double zz;
     Tet3* pOneTet = nullptr;
     std::int32_t index = -1;
+    /// In a vertex, what the library made the index at first.
+    std::int32_t number = -1;
 };
 
 /// Prints the address, a tab, and the coordinates in fields of width 8.
 VARN3D_EXPORT std::ostream& operator<<(std::ostream& out, const Point3& p);
 
 /// The unit normal of the plane through three points: it points to the side from which p0, p1, p2
-/// run counter-clockwise. Degenerate points give (0, 0, 0) and one to three warning lines.
+/// run counter-clockwise. Degenerate points give (0, 0, 0) and one to three warning lines. In plain
+/// floating point: an angle near 0 or 180 degrees at p0 leaves few digits or none, and differences
+/// to p0 below 1e-162, or above 1e154, count as degenerate, for their squares leave a double's
+/// range.
 VARN3D_EXPORT Vector3 getNormalVector(const Point3& p0, const Point3& p1, const Point3& p2);
 
 }  // namespace VARN3D

@@ -1,21 +1,20 @@
 #include "dt3Library/Tet3.h"
 
 #include <cstdlib>
-#include <iostream>
 
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/base/facets.h"
+#include "dt3Library/base/messages.h"
+#include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
 
 namespace {
-
-constexpr int FACET_CORNERS[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
-constexpr int EDGE_FIRST[12] = {1, 3, 2, 0, 2, 3, 0, 3, 1, 0, 1, 2};
-constexpr int EDGE_SECOND[12] = {3, 2, 1, 2, 3, 0, 3, 1, 0, 1, 2, 0};
 
 std::int32_t takeLabel() {
     return Tet3::runningLabel.fetch_add(1, std::memory_order_relaxed);
@@ -30,11 +29,11 @@ const void* address(const void* p) {
 std::atomic<std::int32_t> Tet3::runningLabel{0};
 
 Tet3::Tet3() : label(takeLabel()) {
-    std::cout << "Tet default constructor (is actually not called)" << std::endl;
+    messageStream() << "Tet default constructor (is actually not called)" << std::endl;
 }
 
 Tet3::Tet3(const Tet3& /*other*/) {
-    std::cout << "CCTOR of Tet3" << std::endl;
+    messageStream() << "CCTOR of Tet3" << std::endl;
 }
 
 Tet3& Tet3::operator=(const Tet3& other) {
@@ -96,22 +95,16 @@ bool Tet3::hasVertex(const Point3* p) const {
 
 bool Tet3::hasVertex(const Point3& p) const {
     for (const Point3* corner : aVertexPointer)
-        if (*corner == p) return true;
+        if (corner != nullptr && *corner == p) return true;
     return false;
 }
 
 Point3 Tet3::getCircumcenter() const {
+    for (const Point3* corner : aVertexPointer) varnAssertText(corner != nullptr, "corner!=NULL");
     const Point3& a = *aVertexPointer[0];
     const Vector3 b = *aVertexPointer[1] - a;
     const Vector3 c = *aVertexPointer[2] - a;
     const Vector3 d = *aVertexPointer[3] - a;
-    const auto cross = [](const Vector3& u, const Vector3& v) {
-        return Vector3(u.y() * v.z() - u.z() * v.y(), u.z() * v.x() - u.x() * v.z(),
-                       u.x() * v.y() - u.y() * v.x());
-    };
-    const auto dot = [](const Vector3& u, const Vector3& v) {
-        return u.x() * v.x() + u.y() * v.y() + u.z() * v.z();
-    };
     const Vector3 cd = cross(c, d);
     const Vector3 db = cross(d, b);
     const Vector3 bc = cross(b, c);
@@ -119,9 +112,9 @@ Point3 Tet3::getCircumcenter() const {
     const double cc = dot(c, c);
     const double dd = dot(d, d);
     const double scale = 0.5 / dot(b, cd);
-    return a + Vector3((bb * cd.x() + cc * db.x() + dd * bc.x()) * scale,
-                       (bb * cd.y() + cc * db.y() + dd * bc.y()) * scale,
-                       (bb * cd.z() + cc * db.z() + dd * bc.z()) * scale);
+    return a + Vector3((bb * cd.x + cc * db.x + dd * bc.x) * scale,
+                       (bb * cd.y + cc * db.y + dd * bc.y) * scale,
+                       (bb * cd.z + cc * db.z + dd * bc.z) * scale);
 }
 
 // ---- Neighbours --------------------------------------------------------------------------------
@@ -132,7 +125,7 @@ Tet3* Tet3::getOppTet(const Point3* p) const {
 
 void Tet3::setOppTet(int ith, Tet3* pC) {
     if (pC == this) {
-        std::cout << "this=" << address(this) << ", pC=" << address(pC) << std::endl << *pC;
+        messageStream() << "this=" << address(this) << ", pC=" << address(pC) << std::endl << *pC;
         printWarning("Tet3::setOppTet()",
                      "trying to set *this as neighbor of *this, ith=" + std::to_string(ith));
     }
@@ -144,14 +137,16 @@ void Tet3::setOppTet(int ith, Tet3* pC) {
 int Tet3::getIntraTetIndex(const Tet3* pNeig) const {
     for (int i = 0; i < 4; ++i)
         if (aOppTets[i] == pNeig) return i;
-    std::cout << "Tet3::getIntraTetIndex went wrong: ";
-    if (pNeig != nullptr) std::cout << *pNeig;
-    std::cout << ", this is " << *this << std::endl;
+    messageStream() << "Tet3::getIntraTetIndex went wrong: ";
+    if (pNeig != nullptr) messageStream() << *pNeig;
+    messageStream() << ", this is " << *this << std::endl;
     std::exit(1);
 }
 
 int Tet3::getIntraTetIndexInOppTet(int ith) const {
-    return getOppTet(ith)->getIntraTetIndex(this);
+    const Tet3* pOpp = getOppTet(ith);
+    varnAssertText(pOpp != nullptr, "pOpp!=NULL");
+    return pOpp->getIntraTetIndex(this);
 }
 
 Point3* Tet3::getOppVtxInOppTet(int ith, bool bNullAllowed) const {
@@ -192,17 +187,17 @@ bool Tet3::haveCommonFacet(Tet3* pT0, int opp0, Tet3* pT1, int opp1) {
         bCommon = bCommon && bFound;
     }
     if (bCommon) return true;
-    std::cout << "Tet3::haveCommonFacet() ERROR" << std::endl;
-    std::cout << *pT0 << std::endl << "...with index " << opp0 << std::endl;
-    std::cout << indices0[0] << "," << indices0[1] << "," << indices0[2] << std::endl;
-    std::cout << *pT1 << std::endl << "...with index " << opp1 << std::endl;
-    std::cout << indices1[0] << "," << indices1[1] << "," << indices1[2] << std::endl;
+    messageStream() << "Tet3::haveCommonFacet() ERROR" << std::endl;
+    messageStream() << *pT0 << std::endl << "...with index " << opp0 << std::endl;
+    messageStream() << indices0[0] << "," << indices0[1] << "," << indices0[2] << std::endl;
+    messageStream() << *pT1 << std::endl << "...with index " << opp1 << std::endl;
+    messageStream() << indices1[0] << "," << indices1[1] << "," << indices1[2] << std::endl;
     std::exit(1);
 }
 
 int Tet3::debug_getOppTetIndex(int ith) const {
     if (getOppTet(ith) == nullptr) return -1;
-    std::cout << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
+    messageStream() << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
     return 0;
 }
 
@@ -214,9 +209,9 @@ Facet3 Tet3::getFacet(int ith) {
 
 void Tet3::getFacetIndices(int opp3, int& a, int& b, int& c) const {
     varnAssertText(range03(opp3), "range03(opp3)");
-    a = FACET_CORNERS[opp3][0];
-    b = FACET_CORNERS[opp3][1];
-    c = FACET_CORNERS[opp3][2];
+    a = INNER_FACET[opp3][0];
+    b = INNER_FACET[opp3][1];
+    c = INNER_FACET[opp3][2];
 }
 
 Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI) {
@@ -227,13 +222,13 @@ Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI) {
 }
 
 std::pair<int, int> Tet3::getEdgeIndices(int i, int j) {
-    const int position = 3 * i + j;
-    return {EDGE_FIRST[position], EDGE_SECOND[position]};
+    return {OUTER_FACET[i][j], OUTER_FACET[i][(j + 1) % 3]};
 }
 
 // ---- Output ------------------------------------------------------------------------------------
 
 std::ostream& operator<<(std::ostream& out, const Tet3& tet) {
+    const FloatingPointScope scope;
     Point3 *p0, *p1, *p2, *p3;
     tet.getCorners(p0, p1, p2, p3);
     const bool bHasCorners = !tet.hasVertex(static_cast<const Point3*>(nullptr));

@@ -1,29 +1,11 @@
 #include "dt3Library/Varn_3D.h"
 
-#include <new>
-
 #include "dt3Library/Dt3.h"
-#include "dt3Library/predicates/FloatingPointScope.h"
-#include "dt3Library/tools.h"
+#include "dt3Library/base/messages.h"
+#include "dt3Library/engine/hostCalls.h"
+#include "dt3Library/engine/star.h"
 
 namespace VARN3D {
-
-namespace {
-
-/// Runs an operation of the engine under the library's own floating-point settings; memory that
-/// runs out is reported before the exception goes on to the host.
-template <class Operation>
-auto guarded(const char* who, Operation operation) {
-    const FloatingPointScope scope;
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        printError(who, "Out of memory");
-        throw;
-    }
-}
-
-}  // namespace
 
 Varn_3D::Varn_3D() : pDt3(new Dt3(this)) {}
 
@@ -35,21 +17,37 @@ bool Varn_3D::is3D() const {
     return pDt3->is3D();
 }
 
-void Varn_3D::insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
+void Varn_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
     guarded("Varn_3D::insert()", [&] { pDt3->insert(vInputPoints, vUserHandles); });
 }
 
-void Varn_3D::insert(std::vector<Point3>& vInputPoints) {
+void Varn_3D::insert(const std::vector<Point3>& vInputPoints) {
     std::vector<Point3*> vUserHandles;
     insert(vInputPoints, vUserHandles);
 }
 
-Point3* Varn_3D::insert(Point3& point) {
+void Varn_3D::insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUserHandles) {
+    guarded("Varn_3D::insert()", [&] { pDt3->insert(InputPoints(xyz, n), vUserHandles); });
+}
+
+Point3* Varn_3D::insert(const Point3& point) {
     return guarded("Varn_3D::insert()", [&] { return pDt3->insert(point); });
 }
 
 Tet3* Varn_3D::locate(const Point3& point) {
     return guarded("Varn_3D::locate()", [&] { return pDt3->locate(point); });
+}
+
+std::size_t Varn_3D::getNumVertices() const {
+    return pDt3->getNumVertices();
+}
+
+std::size_t Varn_3D::getNumTetrahedra() const {
+    return pDt3->getNumTetrahedra();
+}
+
+std::size_t Varn_3D::getNumWaiting() const {
+    return pDt3->getNumWaiting();
 }
 
 void Varn_3D::getVertices(std::vector<Point3*>& vVertices) const {
@@ -60,13 +58,21 @@ void Varn_3D::getTetrahedra(std::vector<Tet3*>& vTets) const {
     guarded("Varn_3D::getTetrahedra()", [&] { pDt3->getAllTetrahedra(vTets); });
 }
 
+void Varn_3D::getHullFacets(std::vector<Facet3>& vFacets) const {
+    guarded("Varn_3D::getHullFacets()", [&] { pDt3->getHullFacets(vFacets); });
+}
+
+IndexedMesh Varn_3D::getIndexedMesh() const {
+    return guarded("Varn_3D::getIndexedMesh()", [&] { return pDt3->getIndexedMesh(); });
+}
+
 void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
-    guarded("Varn_3D::getTetsAroundVertex()", [&] { Dt3::getTetsAroundVertex(pVtx, vTets); });
+    guarded("Varn_3D::getTetsAroundVertex()", [&] { listStar(pVtx, vTets); });
 }
 
 bool Varn_3D::checkValidity(const std::string& location, bool checkSphereInc) {
     return guarded("Varn_3D::checkValidity()",
-                   [&] { return pDt3->checkValidity(location, checkSphereInc, checkSphereInc); });
+                   [&] { return pDt3->checkValidity(location, checkSphereInc); });
 }
 
 void Varn_3D::print(const std::string& label) {
@@ -79,6 +85,10 @@ void Varn_3D::show(const std::string& filename, Point3* pVertex) {
 
 void Varn_3D::setVerbosity(bool bVerbose) {
     pDt3->setVerbosity(bVerbose);
+}
+
+void Varn_3D::setMessageStream(std::ostream* pStream) {
+    exchangeMessageStream(pStream);
 }
 
 }  // namespace VARN3D

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -8,8 +10,10 @@
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Export.h"
 #include "dt3Library/Facet3.h"
+#include "dt3Library/IndexedMesh.h"
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Point3.h"
+#include "dt3Library/PointLocator.h"
 #include "dt3Library/Segment3.h"
 #include "dt3Library/Tet3.h"
 #include "dt3Library/Triangle3.h"
@@ -43,6 +47,11 @@ class Dt3;
 /// insertion, but that of coordinates that are not finite, vertices can still be read; but for
 /// that, the object can only be destroyed. Used by one thread at a time; different objects may be
 /// used by different threads.
+///
+/// What ends the host's process: a file that can't be opened, in `show` and where `checkValidity`
+/// dumps a fault, and two misuses of a `Tet3` (exit code 1, see there); and tetrahedra so damaged
+/// by the host that an operation has none to begin at (an access fault, after a line with the
+/// reason).
 class VARN3D_EXPORT Varn_3D {
   public:
     /// A triangulation without points.
@@ -67,16 +76,23 @@ class VARN3D_EXPORT Varn_3D {
     /// of at least as many new points as there are vertices takes the whole mesh over, and all
     /// pointers to tetrahedra from before are void. A mesh that could grow beyond 2^30 tetrahedra
     /// by such a batch counts as memory that runs out.
-    void insert(std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
+    ///
+    /// The points are counted for their numbers (see `Point3::getIndex`). So are those of an
+    /// insertion that fails, unless it is a batch that then has no vUserHandles, or a coordinate is
+    /// not finite.
+    void insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// The same without the vertices.
-    void insert(std::vector<Point3>& vInputPoints);
+    void insert(const std::vector<Point3>& vInputPoints);
+    /// The same for n points of which xyz holds x, y and z, one point after the other. They are
+    /// read where they are.
+    void insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUserHandles);
 
     /// Inserts one point and returns its vertex, or the one that has these coordinates already.
     /// Vertices that wait when it makes the first tetrahedron go on waiting, apart from that
     /// tetrahedron's corners, and a line says "Attention: triangulate has got an empty vector". A
     /// coordinate that is not finite is a failed check. O(log n) to find the place, and time in
     /// proportion to the tetrahedra that change.
-    Point3* insert(Point3& point);
+    Point3* insert(const Point3& point);
 
     /// The tetrahedron that holds a point, in its inside, on its boundary or at a corner. Null
     /// while there is no tetrahedron, outside the convex hull, and on its surface unless at a
@@ -85,12 +101,27 @@ class VARN3D_EXPORT Varn_3D {
     /// check.
     Tet3* locate(const Point3& point);
 
+    /// How many vertices there are, those that wait included. O(1).
+    std::size_t getNumVertices() const;
+    /// How many tetrahedra there are. O(1).
+    std::size_t getNumTetrahedra() const;
+    /// How many vertices wait, that is belong to no tetrahedron. O(1).
+    std::size_t getNumWaiting() const;
+
     /// Appends all vertices, those that wait included, each once, along the Hilbert curve. O(n).
     void getVertices(std::vector<Point3*>& vVertices) const;
 
     /// Lists all tetrahedra. vTets must be empty, a failed check otherwise. While there are none,
     /// prints "Dt3::getAllTetrahedra(), oneTet==NULL". O(n).
     void getTetrahedra(std::vector<Tet3*>& vTets) const;
+
+    /// Appends the facets of the convex hull, each once; their tetrahedra are the ones inside.
+    /// Nothing while there are no tetrahedra. O(n).
+    void getHullFacets(std::vector<Facet3>& vFacets) const;
+
+    /// The mesh in plain numbers. Without tetrahedra there are none in it, but the duplicates are.
+    /// More than 2^31 points inserted, or tetrahedra, are a failed check. O(n), one pass.
+    IndexedMesh getIndexedMesh() const;
 
     /// Appends the tetrahedra that have a vertex of this mesh as a corner, each once. Prints an
     /// error and adds nothing for a vertex that waits. Linear in their number.
@@ -103,18 +134,30 @@ class VARN3D_EXPORT Varn_3D {
     /// process's dumps) and returns false. O(n).
     bool checkValidity(const std::string& location, bool checkSphereInc);
 
-    /// Prints all tetrahedra on standard output, under the label. O(n).
+    /// Prints all tetrahedra under the label. O(n).
     void print(const std::string& label);
 
     /// Writes all tetrahedra to a file in Geomview's OOGL format, and marks pVertex unless it is
-    /// null. A file that can't be opened ends the process with exit code 1. O(n).
+    /// null. Coordinates have 6 digits: a look at the mesh, not the mesh. A file that can't be
+    /// opened ends the process with exit code 1; a write error goes unnoticed. O(n).
     void show(const std::string& filename, Point3* pVertex);
 
-    /// Whether batch insertion announces itself on standard output; false at first. Warnings and
-    /// errors are printed in any case.
+    /// Whether batch insertion announces itself; false at first. Warnings and errors are printed
+    /// in any case.
     void setVerbosity(bool bVerbose);
 
+    /// Sets the stream to which the library prints: std::cout at first, null for silence. Where
+    /// this manual says that something is printed, or goes to standard output, it goes there.
+    ///
+    /// One for all objects of the process, so it has to outlive them, or be replaced before it
+    /// ends. May be called at any time, but what other threads are about to print may still go to
+    /// the former stream. Threads print without regard for each other: as long as several may
+    /// print, the stream must stand being written to by several at once, as std::cout and null do.
+    static void setMessageStream(std::ostream* pStream);
+
   private:
+    friend class PointLocator;
+
     Dt3* pDt3;
 };
 

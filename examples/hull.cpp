@@ -18,9 +18,7 @@ namespace {
 double triangleArea(const Point3& p, const Point3& q, const Point3& r) {
     const Vector3 a = q - p;
     const Vector3 b = r - p;
-    return std::hypot(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
-                      a.x() * b.y() - a.y() * b.x()) /
-           2;
+    return std::hypot(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x) / 2;
 }
 
 }  // namespace
@@ -51,7 +49,7 @@ int main() {
             hullVertices.insert({p, q, r});
             ++facets;
             area += triangleArea(*p, *q, *r);
-            if (getNormalVector(*p, *q, *r).z() > 0) roofArea += triangleArea(*p, *q, *r);
+            if (getNormalVector(*p, *q, *r).z > 0) roofArea += triangleArea(*p, *q, *r);
         }
     }
     std::cout << hullVertices.size() << " of " << points.size() << " points on the hull, " << facets

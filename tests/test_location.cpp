@@ -7,6 +7,7 @@
 #include "dt3Library/Dt3.h"
 #include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/engine/Locator.h"
 #include "support/CaptureOutput.h"
 #include "support/LatticeExact.h"
 #include "support/PointSets.h"
@@ -49,24 +50,27 @@ Place findPlace(const std::vector<Tet3*>& tets, const Point3& p) {
     return place;
 }
 
-void expectLocated(Place place, const Point3& p, int result, const Tet3* tet) {
+void expectLocated(Place place, const Point3& p, const WalkEnd& end) {
     switch (place) {
         case VERTEX:
-            EXPECT_EQ(result, -2);
-            EXPECT_TRUE(tet->hasVertex(p));
+            EXPECT_EQ(end.place, WalkEnd::Place::AtVertex);
+            EXPECT_EQ(*end.tet->getCorner(end.index), p);
             break;
         case OUTSIDE:
         case SURFACE:
-            ASSERT_TRUE(result >= 0 && result <= 3);
-            EXPECT_EQ(tet->getOppTet(result), nullptr);
-            EXPECT_EQ(side(tet, result, p), place == OUTSIDE ? -1 : 0);
-            EXPECT_EQ(contains(tet, p), place == SURFACE);
+            EXPECT_EQ(end.place, WalkEnd::Place::AtHull);
+            EXPECT_EQ(end.tet->getOppTet(end.index), nullptr);
+            EXPECT_EQ(side(end.tet, end.index, p), place == OUTSIDE ? -1 : 0);
+            EXPECT_EQ(contains(end.tet, p), place == SURFACE);
             break;
         default:
-            EXPECT_EQ(result, -1);
-            EXPECT_TRUE(contains(tet, p));
+            EXPECT_EQ(end.place, WalkEnd::Place::Inside);
+            EXPECT_TRUE(contains(end.tet, p));
     }
 }
+
+const GeomTest3 predicates;
+const Locator locator(predicates);
 
 TEST(Location, latticeQueriesFromEveryTetrahedron) {
     std::map<Place, int> counts;
@@ -80,13 +84,10 @@ TEST(Location, latticeQueriesFromEveryTetrahedron) {
             const Point3 p(half.x() / 2 - 0.5, half.y() / 2 - 0.5, half.z() / 2 - 0.5);
             const Place place = findPlace(tets, p);
             ++counts[place];
-            for (Tet3* tet : tets) {
-                const int result = engine.locateConflictTet(&p, tet);
-                expectLocated(place, p, result, tet);
-            }
+            for (Tet3* tet : tets) expectLocated(place, p, locator.locate(&p, tet));
             const Tet3* located = engine.locate(p);
             ASSERT_EQ(located != nullptr, place != OUTSIDE && place != SURFACE);
-            if (located != nullptr) expectLocated(place, p, place == VERTEX ? -2 : -1, located);
+            EXPECT_TRUE(located == nullptr || contains(located, p));
         }
     }
     for (const Place place : {OUTSIDE, SURFACE, EDGE_INSIDE, FACET_INSIDE, INTERIOR, VERTEX})
@@ -143,9 +144,9 @@ TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
          {Point3(99, 99, 1), Point3(-99, -99, 0), Point3(-99, 9, 0), Point3(9, -99, 0)}) {
         if (!leavesBoth(p)) continue;
         ++numQueries;
-        Tet3* tet = tets[0];
-        EXPECT_EQ(outputOf([&] { EXPECT_EQ(engine.locateConflictTet(&p, tet), -99); }),
-                  "watchDog: bad point\n");
+        WalkEnd end{WalkEnd::Place::Inside, nullptr};
+        EXPECT_EQ(outputOf([&] { end = locator.locate(&p, tets[0]); }), "watchDog: bad point\n");
+        EXPECT_EQ(end.place, WalkEnd::Place::OnTheWay);
         EXPECT_EQ(outputOf([&] { EXPECT_EQ(engine.locate(p), nullptr); }), "watchDog: bad point\n");
         EXPECT_THAT(outputOf([&] { EXPECT_THROW(engine.insert(p), VarnException); }),
                     testing::EndsWith("Condition [ locateResult!=-99 failed ]\n\n"
@@ -155,13 +156,11 @@ TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
 }
 
 TEST(Location, withoutStartTheProcessEnds) {
-    const Dt3 engine(nullptr);
     const Point3 p;
-    Tet3* nowhere = nullptr;
     EXPECT_DEATH(
         {
-            std::cout.rdbuf(std::cerr.rdbuf());
-            engine.locateConflictTet(&p, nowhere);
+            exchangeMessageStream(&std::cerr);
+            locator.locate(&p, nullptr);
         },
         "goToHell, ERROR:  reason: locateConflictTet");
 }

@@ -211,7 +211,7 @@ TEST(Store, failedChecks) {
     std::vector<Point3*> added;
     EXPECT_THAT(
         outputOf([&] {
-            EXPECT_THROW(store.hc3.insert({{2, 2, 2}}, store.handles, added), VarnException);
+            EXPECT_THROW(store.hc3.insert(Points{{2, 2, 2}}, store.handles, added), VarnException);
         }),
         testing::HasSubstr("Condition [ vUserHandles.empty() failed ]"));
     EXPECT_EQ(store.hc3.getNumVertices(), 1U);

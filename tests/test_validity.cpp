@@ -110,8 +110,7 @@ class Validity : public testing::Test {
         std::filesystem::remove_all(directory);
     }
     std::string check(bool bSpheres, bool bExpected) {
-        return outputOf(
-            [&] { EXPECT_EQ(engine.checkValidity("here", true, bSpheres), bExpected); });
+        return outputOf([&] { EXPECT_EQ(engine.checkValidity("here", bSpheres), bExpected); });
     }
     /// The only dump file so far, removed.
     std::string takeDump(const std::string& ending, std::string& content) {
@@ -136,18 +135,18 @@ class Validity : public testing::Test {
 TEST_F(Validity, soundMeshesPass) {
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
     EXPECT_EQ(check(false, true), head(2, false) + PASSED);
-    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(engine.checkValidity("here", false, true)); }),
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(engine.checkValidity("here", true)); }),
               head(2, true) + PASSED);
     const Dt3 empty(nullptr);
-    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true, true)); }),
+    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true)); }),
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);
 }
 
 TEST_F(Validity, aMarkLeftBehindIsAnError) {
     for (Tet3* tet : tets) {
         MeshAccess::visited(tet) = true;
-        const std::string output = outputOf(
-            [&] { EXPECT_THROW(engine.checkValidity("here", false, false), VarnException); });
+        const std::string output =
+            outputOf([&] { EXPECT_THROW(engine.checkValidity("here", false), VarnException); });
         EXPECT_THAT(
             output,
             testing::StartsWith(
@@ -208,8 +207,8 @@ TEST_F(Validity, oneWayLinksEndTheProcess) {
         link = nullptr;
         EXPECT_EXIT(
             {
-                std::cout.rdbuf(std::cerr.rdbuf());
-                engine.checkValidity("here", true, true);
+                exchangeMessageStream(&std::cerr);
+                engine.checkValidity("here", true);
             },
             testing::ExitedWithCode(1), "Tet3::getIntraTetIndex went wrong: ");
         link = before;
@@ -232,10 +231,10 @@ TEST_F(Validity, crossedLinksAreFoundWhereverTheyAre) {
                     if (a == nullptr || b == nullptr) continue;
                     ++numCrossed;
                     std::swap(a, b);
-                    EXPECT_FALSE(larger.checkValidity("crossed", true, false));
+                    EXPECT_FALSE(larger.checkValidity("crossed", false));
                     std::swap(a, b);
                 }
-        EXPECT_TRUE(larger.checkValidity("mended", true, true));
+        EXPECT_TRUE(larger.checkValidity("mended", true));
     });
     EXPECT_GT(numCrossed, 20);
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <new>
+#include <type_traits>
 
 #include "dt3Library/Point3.h"
 #include "dt3Library/Tet3.h"
@@ -19,10 +20,26 @@ struct MeshAccess {
     static Point3* corner(const Tet3* t, int i) { return t->aVertexPointer[i]; }
     static Tet3*& neighbour(Tet3* t, int i) { return t->aOppTets[i]; }
     static Tet3* neighbour(const Tet3* t, int i) { return t->aOppTets[i]; }
-    /// The index of a neighbour, which must be one. No branch: the index is anybody's guess.
+    /// The index of a neighbour, which must be one; else any index. No branch: the index is
+    /// unpredictable.
     static int indexOfNeighbour(const Tet3* t, const Tet3* other) {
-        return (t->aOppTets[1] == other ? 1 : 0) + (t->aOppTets[2] == other ? 2 : 0) +
+        return (t->aOppTets[1] == other ? 1 : 0) | (t->aOppTets[2] == other ? 2 : 0) |
                (t->aOppTets[3] == other ? 3 : 0);
+    }
+    /// Makes a record in raw memory a vertex with a number.
+    static Point3* newVertex(void* memory, const Point3& point, std::int32_t number) {
+        auto* const vertex = new (memory) Point3(point.xx, point.yy, point.zz);
+        vertex->index = number;
+        vertex->number = number;
+        return vertex;
+    }
+    static std::int32_t number(const Point3* vertex) { return vertex->number; }
+    /// x, y and z side by side.
+    static const double* coordinates(const Point3& point) {
+        static_assert(
+            std::is_standard_layout_v<Point3> && offsetof(Point3, zz) == 2 * sizeof(double),
+            "the coordinates come first");
+        return &point.xx;
     }
     static std::int32_t& customIndex(Tet3* t) { return t->customIndex; }
     /// The first of n labels that belong to the caller from now on. The counter wraps around.

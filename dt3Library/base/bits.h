@@ -26,4 +26,9 @@ inline unsigned bitCount(unsigned bits) {
 #endif
 }
 
+/// The same of 64.
+inline unsigned bitCount(std::uint64_t bits) {
+    return bitCount(static_cast<unsigned>(bits)) + bitCount(static_cast<unsigned>(bits >> 32));
+}
+
 }  // namespace VARN3D

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace VARN3D {
@@ -13,13 +14,17 @@ inline void prefetchLine(const void* address) {
 #endif
 }
 
-/// Prefetches a tetrahedron or a vertex, which may begin in one cache line and end in the next.
-/// Does nothing for null.
+/// Prefetches so many bytes, which may begin in one cache line and end in the next.
+inline void prefetchBytes(const void* first, std::size_t size) {
+    const auto address = reinterpret_cast<std::uintptr_t>(first);
+    prefetchLine(reinterpret_cast<const void*>(address));
+    prefetchLine(reinterpret_cast<const void*>(address + size - 1));
+}
+
+/// Prefetches a tetrahedron or a vertex, or nothing for null.
 template <class Record>
 inline void prefetchRecord(const Record* record) {
-    const auto address = reinterpret_cast<std::uintptr_t>(record);
-    prefetchLine(reinterpret_cast<const void*>(address));
-    prefetchLine(reinterpret_cast<const void*>(address + sizeof(Record) - 1));
+    prefetchBytes(record, sizeof(Record));
 }
 
 }  // namespace VARN3D

@@ -2,22 +2,18 @@
 
 #include <cmath>
 #include <iomanip>
-#include <iostream>
 #include <limits>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/Profile.h"
+#include "dt3Library/base/facets.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/prefetch.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
 
 namespace {
-
-/// The corners 1, 2, 3 of the new tetrahedron on facet ith of an old one, seen from inside.
-constexpr int INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
-/// The same seen from outside.
-constexpr int OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
 constexpr double MAX_LIFT = GeomTest3::MAX_DIFFERENCE * GeomTest3::MAX_DIFFERENCE;
 
@@ -132,7 +128,7 @@ Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
     Tet3* last = fill();
     const std::size_t numStoredTCS = gluing.glue(created);
     if (numStoredTCS != 0)
-        std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
+        messageStream() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
     engineCheck(numStoredTCS == 0, "numStoredTCS==0", 920);
     return last;
 }
@@ -212,7 +208,7 @@ inline void Cavity::visitNeighbours(const Tet3* tet) {
 /// Whether the tetrahedron across facet ith is in conflict.
 inline bool Cavity::isInConflict(const View& seen, int ith, const Tet3* outer, int index) const {
     VARN3D_COUNT(sphereTests, 1);
-    const int* facet = OUTER_FACET[ith];
+    const auto& facet = OUTER_FACET[ith];
     const Row beyond(MeshAccess::corner(outer, index), newVertex);
     Extent extent = seen.extent;
     extent.add(beyond);
@@ -228,7 +224,7 @@ inline bool Cavity::isInConflict(const View& seen, int ith, const Tet3* outer, i
 /// Notes facet ith, which belongs to the region's boundary. A hull facet that the new vertex does
 /// not see from inside is none to build on.
 inline void Cavity::addBase(const View& seen, int ith, Tet3* outer, int index) {
-    const int* facet = INNER_FACET[ith];
+    const auto& facet = INNER_FACET[ith];
     const double orientation =
         orientationOf(seen.rows[facet[0]], seen.rows[facet[1]], seen.rows[facet[2]]);
     Point3* const a = MeshAccess::corner(seen.tet, facet[0]);
@@ -248,7 +244,7 @@ void Cavity::addFacetsSeen(Tet3* tet) {
     for (int ith = 0; ith < 4; ++ith) {
         if (MeshAccess::neighbour(tet, ith) != nullptr) continue;
         if (predicates.getOrientation3(tet, ith, newVertex) != ORIENTATION3_NEGATIVE) continue;
-        const int* facet = OUTER_FACET[ith];
+        const auto& facet = OUTER_FACET[ith];
         bases.push_back({{MeshAccess::corner(tet, facet[0]), MeshAccess::corner(tet, facet[1]),
                           MeshAccess::corner(tet, facet[2])},
                          tet,
@@ -280,13 +276,13 @@ void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const 
     const Orientation3 orientation = predicates.getOrientation3(a, b, c, d);
     if (orientation == ORIENTATION3_POSITIVE) return;
     const bool negative = orientation == ORIENTATION3_NEGATIVE;
-    std::cout << "Dt3::createTet(), ERROR: "
-              << (negative ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
-              << " ORIENTATION OF: " << std::endl;
-    std::cout << std::setprecision(15);
-    for (const Point3* corner : {a, b, c, d}) std::cout << *corner << std::endl;
+    messageStream() << "Dt3::createTet(), ERROR: "
+                    << (negative ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
+                    << " ORIENTATION OF: " << std::endl;
+    messageStream() << std::setprecision(15);
+    for (const Point3* corner : {a, b, c, d}) messageStream() << *corner << std::endl;
     engineCheck(!negative, "false", 980);
-    std::cout << "..probably a legal situaion but observe!" << std::endl;
+    messageStream() << "..probably a legal situaion but observe!" << std::endl;
 }
 
 Tet3* Cavity::createTet(Point3* a, Point3* b, Point3* c, Point3* d) {

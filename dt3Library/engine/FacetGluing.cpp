@@ -1,18 +1,10 @@
 #include "dt3Library/engine/FacetGluing.h"
 
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/facets.h"
 #include "dt3Library/base/hashPointers.h"
 
 namespace VARN3D {
-
-namespace {
-
-/// The corners between which edge k runs, and the corner opposite the facet that holds it.
-constexpr int SOURCE[3] = {1, 2, 3};
-constexpr int TARGET[3] = {2, 3, 1};
-constexpr int OPPOSITE[3] = {3, 1, 2};
-
-}  // namespace
 
 void FacetGluing::reserve(std::size_t numTets) {
     constexpr std::size_t PLACES_A_TET = 24;
@@ -27,9 +19,9 @@ std::size_t FacetGluing::glue(const std::vector<Tet3*>& tets) {
     std::size_t unpaired = 0;
     for (Tet3* tet : tets) {
         for (int k = 0; k < 3; ++k) {
-            Tet3* partner = findPartner(tets, MeshAccess::corner(tet, SOURCE[k]),
-                                        MeshAccess::corner(tet, TARGET[k]));
-            MeshAccess::neighbour(tet, OPPOSITE[k]) = partner;
+            Tet3* partner = findPartner(tets, MeshAccess::corner(tet, FAN_SOURCE[k]),
+                                        MeshAccess::corner(tet, FAN_TARGET[k]));
+            MeshAccess::neighbour(tet, FAN_OPPOSITE[k]) = partner;
             unpaired += partner == nullptr ? 1 : 0;
         }
     }
@@ -51,8 +43,8 @@ inline void FacetGluing::enterEdges(const std::vector<Tet3*>& tets) {
     Edge edge = 0;
     for (const Tet3* tet : tets) {
         for (int k = 0; k < 3; ++k, ++edge) {
-            Place place =
-                home(MeshAccess::corner(tet, SOURCE[k]), MeshAccess::corner(tet, TARGET[k]));
+            Place place = home(MeshAccess::corner(tet, FAN_SOURCE[k]),
+                               MeshAccess::corner(tet, FAN_TARGET[k]));
             while (isTaken(place, edge)) place = placeAfter(place);
             table[place] = edge;
             placeOf[edge] = place;
@@ -68,8 +60,8 @@ inline Tet3* FacetGluing::findPartner(const std::vector<Tet3*>& tets, const Poin
     for (Place place = home(target, source); isTaken(place, numEdges); place = placeAfter(place)) {
         const Edge edge = table[place];
         Tet3* tet = tets[edge / 4];
-        if (MeshAccess::corner(tet, SOURCE[edge % 4]) == target &&
-            MeshAccess::corner(tet, TARGET[edge % 4]) == source)
+        if (MeshAccess::corner(tet, FAN_SOURCE[edge % 4]) == target &&
+            MeshAccess::corner(tet, FAN_TARGET[edge % 4]) == source)
             return tet;
     }
     return nullptr;

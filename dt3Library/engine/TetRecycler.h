@@ -2,8 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
-#include <utility>
+#include <cstdint>
 #include <vector>
 
 #include "dt3Library/base/MeshAccess.h"
@@ -14,7 +13,8 @@ namespace VARN3D {
 /// Storage of all tetrahedra: a pool, and the records that are free to be used again.
 ///
 /// An insertion takes the records of its new tetrahedra before it releases those of the doomed
-/// ones, so these are used again from the next insertion on.
+/// ones, so these are used again from the next insertion on. A record is an object from the time it
+/// leaves the pool, whether it is in use or free.
 class TetRecycler {
   public:
     TetRecycler() { pool.init(); }
@@ -24,7 +24,10 @@ class TetRecycler {
     void reserve(std::size_t numTaken, std::size_t numReleased) {
         const std::size_t needed = std::max(vFree.size(), numTaken) + numReleased;
         if (vFree.capacity() < needed) vFree.reserve(2 * needed);
-        while (vFree.size() < numTaken) vFree.push_back(pool.alloc());
+        while (vFree.size() < numTaken) {
+            vFree.push_back(MeshAccess::newRecord(pool.alloc()));
+            ++numRecords;
+        }
     }
 
     /// A record for a new tetrahedron, which the caller fills. There must be one free.
@@ -39,31 +42,8 @@ class TetRecycler {
         vFree.push_back(tet);
     }
 
-    /// Appends every tetrahedron of the mesh by ascending address. O(n), and the mesh's marks play
-    /// no part: a record is in use exactly when it isn't free.
-    void listLive(std::vector<Tet3*>& vTets) const {
-        std::vector<Tet3*> dead(vFree);
-        std::sort(dead.begin(), dead.end(), std::less<Tet3*>());
-        std::vector<std::pair<Tet3*, Tet3*>> blocks;
-        std::size_t total = 0;
-        pool.forEachBlock([&](Tet3* first, int used) {
-            blocks.emplace_back(first, first + used);
-            total += static_cast<std::size_t>(used);
-        });
-        std::sort(blocks.begin(), blocks.end(), [](const auto& a, const auto& b) {
-            return std::less<Tet3*>()(a.first, b.first);
-        });
-        vTets.reserve(vTets.size() + total - dead.size());
-        auto nextDead = dead.begin();
-        for (const auto& [first, last] : blocks) {
-            for (Tet3* tet = first; tet != last; ++tet) {
-                if (nextDead != dead.end() && *nextDead == tet)
-                    ++nextDead;
-                else
-                    vTets.push_back(tet);
-            }
-        }
-    }
+    /// How many tetrahedra the mesh has.
+    std::size_t getNumLive() const { return numRecords - vFree.size(); }
 
     const SimplePool<Tet3>& getPool() const { return pool; }
 
@@ -77,17 +57,27 @@ class TetRecycler {
     void replaceBy(SimplePool<Tet3>& newPool, std::vector<Tet3*>& vNewFree) noexcept {
         pool.swap(newPool);
         vFree.swap(vNewFree);
+        countRecords();
     }
 
     /// Drops all records.
     void reset() {
         pool.reset();
         vFree.clear();
+        numRecords = 0;
     }
 
   private:
+    void countRecords() {
+        numRecords = 0;
+        pool.forEachBlock(
+            [this](Tet3*, std::int32_t used) { numRecords += static_cast<std::size_t>(used); });
+    }
+
     SimplePool<Tet3> pool;
     std::vector<Tet3*> vFree;
+    /// In use or free.
+    std::size_t numRecords = 0;
 };
 
 }  // namespace VARN3D

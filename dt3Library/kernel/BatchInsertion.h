@@ -36,6 +36,9 @@ class BatchInsertion {
     /// VarnException.
     Tet3* run(std::vector<Point3*>& vVertices, const Tet3* pStart);
 
+    /// How many vertices the mesh has.
+    std::size_t getNumVertices() const { return points.size() - 1; }
+
   private:
     void listMeshVertices();
     void listNewVertices(std::vector<Point3*>& vVertices);

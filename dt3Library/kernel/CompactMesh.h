@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dt3Library/Tet3.h"
+#include "dt3Library/base/facets.h"
 #include "dt3Library/geom_tools/SimplePool.h"
 
 namespace VARN3D {
@@ -18,11 +19,6 @@ using Slot = std::uint32_t;
 using FacetCode = std::uint32_t;
 
 constexpr VertexNumber AT_INFINITY = 0;
-
-/// The corners 1, 2, 3 of the new tetrahedron on facet i of one that it replaces, seen from inside.
-constexpr std::uint8_t INNER_FACET[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
-/// The same facet seen from outside.
-constexpr std::uint8_t OUTER_FACET[4][3] = {{1, 3, 2}, {0, 2, 3}, {0, 3, 1}, {0, 1, 2}};
 
 constexpr FacetCode facetCode(Slot slot, unsigned facet) {
     return 4 * slot + facet;

@@ -3,15 +3,13 @@
 #include <cstdlib>
 #include <new>
 
+#include "dt3Library/base/facets.h"
+
 namespace VARN3D {
 
 namespace {
 
 constexpr std::uint64_t NO_EDGE = ~std::uint64_t{0};
-
-/// Edge k of a facet runs from its corner k to the next; the new tetrahedron's corner opposite the
-/// facet that holds this edge and the new vertex.
-constexpr unsigned OPPOSITE[3] = {3, 1, 2};
 
 constexpr std::uint64_t edgeOf(std::uint32_t from, std::uint32_t to) {
     return std::uint64_t{from} << 32 | to;
@@ -51,7 +49,7 @@ std::size_t EdgeTable::linkByHashing(const std::vector<CavityFacet>& facets, std
         const auto& number = facets[i].number;
         for (unsigned k = 0; k < 3; ++k) {
             const std::uint64_t edge = edgeOf(number[k], number[(k + 1) % 3]);
-            hash[place(edge)] = {edge, facetCode(slots[i], OPPOSITE[k])};
+            hash[place(edge)] = {edge, facetCode(slots[i], FAN_OPPOSITE[k])};
         }
     }
     std::size_t numUnpaired = 0;
@@ -60,7 +58,7 @@ std::size_t EdgeTable::linkByHashing(const std::vector<CavityFacet>& facets, std
         for (unsigned k = 0; k < 3; ++k) {
             const Entry& partner = hash[place(edgeOf(number[(k + 1) % 3], number[k]))];
             if (partner.edge == NO_EDGE) ++numUnpaired;
-            tets[slots[i]].link[OPPOSITE[k]] = partner.code;
+            tets[slots[i]].link[FAN_OPPOSITE[k]] = partner.code;
         }
     }
     return numUnpaired;

@@ -86,7 +86,7 @@ inline LeastLane leastLane(Lanes values) {
     const Lanes least = _mm256_min_pd(pairs, _mm256_permute_pd(pairs, 5));
     const auto equal =
         static_cast<unsigned>(_mm256_movemask_pd(_mm256_cmp_pd(v, least, _CMP_EQ_OQ)));
-    return {static_cast<unsigned>(__builtin_ctz(equal)), _mm256_cvtsd_f64(least)};
+    return {lowestBit(equal), _mm256_cvtsd_f64(least)};
 }
 
 /// Lane by lane the least value so far and where it came from.

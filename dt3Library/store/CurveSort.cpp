@@ -40,7 +40,8 @@ void sortRange(CurveEntry* first, CurveEntry* last) {
     std::vector<std::uint64_t> keyed;
     gridAround(first, last)
         .keyedPositions(
-            n, POSITION_BITS, [first](std::size_t i) { return first[i].vertex; }, keyed);
+            n, POSITION_BITS, [first](std::size_t i) -> const Point3& { return *first[i].vertex; },
+            keyed);
     sortByBits(keyed, POSITION_BITS, 3 * LEVELS);
     {
         const std::vector<CurveEntry> unsorted(first, last);

@@ -20,22 +20,26 @@ class HilbertGrid {
     /// The place of the point's cell on the curve, below 2^(3 levels).
     std::uint32_t keyOf(const Point3& point) const;
 
-    /// The keys of four points at once.
-    void keysOf(const Point3* const (&points)[4], std::uint32_t (&keys)[4]) const;
+    /// The keys of four points at once. Their coordinates, all x first, are used up.
+    void keysOf(double (&at)[3][4], std::uint32_t (&keys)[4]) const;
 
     /// Fills `keyed` with the keys of n points, each above the point's position in the lower
-    /// `positionBits` bits. `pointAt(i)` gives the address of point i.
+    /// `positionBits` bits. `pointAt(i)` gives point i.
     template <class PointAt>
     void keyedPositions(std::size_t n, unsigned positionBits, PointAt pointAt,
                         std::vector<std::uint64_t>& keyed) const {
         keyed.resize(n);
         for (std::size_t i = 0; i < n; i += 4) {
             const std::size_t last = n - 1;
-            const Point3* const points[4] = {pointAt(i), pointAt(i + 1 < n ? i + 1 : last),
-                                             pointAt(i + 2 < n ? i + 2 : last),
-                                             pointAt(i + 3 < n ? i + 3 : last)};
+            double at[3][4];
+            for (std::size_t k = 0; k < 4; ++k) {
+                const Point3& point = pointAt(i + k < n ? i + k : last);
+                at[0][k] = point.x();
+                at[1][k] = point.y();
+                at[2][k] = point.z();
+            }
             std::uint32_t keys[4];
-            keysOf(points, keys);
+            keysOf(at, keys);
             for (std::size_t k = 0; k < 4 && i + k < n; ++k)
                 keyed[i + k] = std::uint64_t{keys[k]} << positionBits | (i + k);
         }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "dt3Library/Tet3.h"
+
+namespace VARN3D {
+
+/// Where a walk towards a point has ended.
+struct WalkEnd {
+    enum class Place {
+        Inside,    ///< the tetrahedron holds the point, which is no vertex and not on the hull
+        AtVertex,  ///< the point is the tetrahedron's corner `index`
+        AtHull,    ///< the point lies on or beyond the tetrahedron's hull facet `index`
+        OnTheWay,  ///< nothing is known but that the point may be elsewhere
+    };
+
+    Place place;
+    Tet3* tet;
+    /// A corner or a facet, as the place says.
+    int index = 0;
+};
+
+}  // namespace VARN3D
