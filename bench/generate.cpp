@@ -246,7 +246,8 @@ Points duplicates(const Arguments& arguments, Random& random) {
     return repeated(arguments.count(0), [&] { return positions[random.below(positions.size())]; });
 }
 
-/// PATH: the points of a text file of x y z lines; lines with # are comments.
+/// PATH: the points of a text file; lines that don't begin with three numbers, such as comments and
+/// the header of a text PLY, say something else.
 Points textFile(const Arguments& arguments, Random&) {
     std::ifstream file(arguments.values.at(0));
     if (!file) throw std::runtime_error("cannot read " + arguments.values[0]);
@@ -254,7 +255,7 @@ Points textFile(const Arguments& arguments, Random&) {
     for (std::string line; std::getline(file, line);) {
         std::istringstream words(line);
         Position p;
-        if (line.find('#') == std::string::npos && words >> p[0] >> p[1] >> p[2]) {
+        if (words >> p[0] >> p[1] >> p[2]) {
             points.push_back(p);
         }
     }

@@ -92,7 +92,7 @@ MEDIUM = Group(
         PointSet("map_200k", 200 * K, ("placed_cube", 200 * K, 1000, 6e6, 5e5, 0)),
         PointSet("far_clusters_200k", 200 * K, ("shuffled_far_cubes", 200 * K, 2, 1e6, 1)),
         PointSet("far_clusters_in_turn_200k", 200 * K, ("far_cubes", 200 * K, 2, 1e6, 1), batches=2),
-        PointSet("scan", 1839, ("text", "examples/data/bunny.xyz")),
+        PointSet("scan", 46391, ("text", "examples/data/duck.ply")),
     ),
 )
 

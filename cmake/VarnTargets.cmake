@@ -14,6 +14,18 @@ foreach(option -mbranches-within-32B-boundaries -Wa,-mbranches-within-32B-bounda
   endif()
 endforeach()
 
+# Every operation rounds once, to double: without a fused multiply-add, which rounds once where the
+# predicates count on two roundings, and on 32-bit x86 without the wider x87 registers.
+if(MSVC)
+  set(VARN3D_ROUNDING /fp:precise)
+else()
+  set(VARN3D_ROUNDING -ffp-contract=off)
+  check_cxx_source_compiles("int main() { return __i386__ - 1; }" VARN3D_FOR_I386)
+  if(VARN3D_FOR_I386)
+    list(APPEND VARN3D_ROUNDING -msse2 -mfpmath=sse)
+  endif()
+endif()
+
 # Strict warnings as errors, for one of our own targets.
 function(varn3d_strict_warnings target)
   if(NOT VARN3D_WERROR)
@@ -38,13 +50,7 @@ function(varn3d_set_up_library target)
                CXX_VISIBILITY_PRESET hidden
                VISIBILITY_INLINES_HIDDEN ON
                POSITION_INDEPENDENT_CODE ON)
-  # A fused multiply-add rounds once where the predicates count on two roundings.
-  if(MSVC)
-    target_compile_options(${target} PRIVATE /fp:precise)
-  else()
-    target_compile_options(${target} PRIVATE -ffp-contract=off)
-  endif()
-  target_compile_options(${target} PRIVATE ${VARN3D_OPTIMISE})
+  target_compile_options(${target} PRIVATE ${VARN3D_ROUNDING} ${VARN3D_OPTIMISE})
   # Intel processors from Skylake to Cascade Lake decode slowly what jumps across 32 bytes.
   if(VARN3D_ALIGN_BRANCHES_OPTION)
     target_compile_options(${target} PRIVATE ${VARN3D_ALIGN_BRANCHES_OPTION})

@@ -146,7 +146,7 @@ Point3* Dt3::insert(const Point3& point) {
     auto [pVtx, pLastTet] = store.insertOne(point, bFullDimensional ? ENTRIES_SEARCHED : 0);
     if (bFullDimensional) {
         if (pLastTet == nullptr) pLastTet = pRecentTet;
-        engineCheck(!MeshAccess::visited(pLastTet), "!pLastTet->hasBeenVisited", 350);
+        engineCheck(!MeshAccess::visited(pLastTet), checks::SINGLE_STARTS_IN_MESH);
         Point3* slot = pVtx;
         insertVertex(slot, pLastTet);
         return pVtx;
@@ -188,9 +188,9 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
 }
 
 Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
-    engineCheck(!MeshAccess::visited(pCurTet), "!pCurTet->hasBeenVisited", 789);
+    engineCheck(!MeshAccess::visited(pCurTet), checks::WALK_STARTS_IN_MESH);
     const WalkEnd place = locator.locate(pVtx, pCurTet);
-    engineCheck(place.place != WalkEnd::Place::OnTheWay, "locateResult!=-99", 802);
+    engineCheck(place.place != WalkEnd::Place::OnTheWay, checks::WALK_ENDS);
     VARN3D_COUNT(insertions, 1);
     pRecentTet = insertAt(place, pVtx);
     if (place.place != WalkEnd::Place::AtVertex) ++numInMesh;
@@ -226,7 +226,7 @@ bool Dt3::spansSpace(const std::vector<Point3*>& vNew) {
 /// Makes the first tetrahedron of the first four vertices, in the store's order, that are not
 /// coplanar. Null if all are.
 Tet3* Dt3::startUp() {
-    engineCheck(!bFullDimensional, "!bFullDimensional", 89);
+    engineCheck(!bFullDimensional, checks::NO_TETRAHEDRON_YET);
     std::vector<Point3*> vVertices;
     store.getVertices(vVertices);
     std::array<Point3*, 4> simplex;
@@ -249,7 +249,7 @@ Tet3* Dt3::locate(const Point3& point) {
 }
 
 void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const {
-    engineCheck(vTet.empty(), "vTet.empty()", 1300);
+    engineCheck(vTet.empty(), checks::EMPTY_LIST);
     if (!bFullDimensional) {
         messageStream() << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
         return;

@@ -90,8 +90,8 @@ class HC3 {
     };
 
     unsigned positionBits() const { return 64 - numBits; }
-    std::uint64_t positionOf(KeyedPosition keyed) const {
-        return keyed & ((std::uint64_t{1} << positionBits()) - 1);
+    std::size_t positionOf(KeyedPosition keyed) const {
+        return static_cast<std::size_t>(keyed & ((std::uint64_t{1} << positionBits()) - 1));
     }
     std::uint64_t keyOf(KeyedPosition keyed) const { return keyed >> positionBits(); }
     template <class PointAt>

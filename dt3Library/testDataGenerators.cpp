@@ -37,7 +37,8 @@ void generateRandomNumbers(std::uint64_t num, double min, double max, std::vecto
     else
         seedByTime();
     varnAssertText(min < max, "min<max");
-    auto number = out.insert(out.end(), num, 0.0);
+    if (num > out.max_size() - out.size()) throw std::length_error("generateRandomNumbers");
+    auto number = out.insert(out.end(), static_cast<std::size_t>(num), 0.0);
     for (; number != out.end(); ++number) *number = toRange(std::rand(), min, max);
 }
 

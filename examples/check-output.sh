@@ -1,9 +1,10 @@
 #!/bin/sh
-# check-output.sh SOURCE PROGRAM: the program prints what the source's head comment says.
+# check-output.sh SOURCE COMMAND...: the command prints what the source's head comment says.
 set -eu
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 sed -n '/^\/\/ Output:$/,/^$/ { s|^//   ||p; }' "$1" >"$scratch/expected"
-"$2" >"$scratch/output"
+shift
+"$@" >"$scratch/output"
 sed 's/[[:space:]]*$//; /^$/d' "$scratch/output" | diff "$scratch/expected" -

@@ -15,5 +15,5 @@ cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DVARN3D_BUILD_TESTS=OFF
 cmake --build "$build" --target varn3d --parallel "$(nproc)" >"$build.log" 2>&1 ||
     { cat "$build.log" >&2; exit 1; }
 
-echo "varn3d examples/data/bunny.xyz --check $*"
-"$build/tools/varn3d" "$root/examples/data/bunny.xyz" --check "$@"
+echo "varn3d examples/data/duck.ply --check $*"
+"$build/tools/varn3d" "$root/examples/data/duck.ply" --check "$@"

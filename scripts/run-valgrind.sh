@@ -14,6 +14,6 @@ cmake --build --preset release --target varn3d --parallel "$(nproc)"
 output=build/valgrind
 mkdir -p "$output"
 valgrind --quiet --error-exitcode=9 --leak-check=full --show-leak-kinds=all \
-    --errors-for-leak-kinds=all build/release/tools/varn3d examples/data/bunny.xyz --check --stats \
+    --errors-for-leak-kinds=all build/release/tools/varn3d examples/data/duck.ply --check --stats \
     --vtk "$output/scan.vtu" --medit "$output/scan.mesh" --tetgen "$output/scan" \
     --hull "$output/hull.ply" --geomview "$output/scan.list"

@@ -4,7 +4,9 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <map>
+#include <new>
 #include <vector>
 
 #include "dt3Library/Dt3.h"
@@ -82,6 +84,14 @@ TEST(Kernel, bothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
                       digestOfTwoBatches(fastestSteps(), points))
                 << &points - sets;
         });
+}
+
+/// Sizes whose bytes don't fit the address space.
+TEST(Kernel, moreThanCanBeAddressedIsOutOfMemory) {
+    constexpr std::size_t TOO_MANY = SIZE_MAX / sizeof(CompactTet);
+    EXPECT_THROW(CompactMesh(1, TOO_MANY), std::bad_alloc);
+    EXPECT_THROW(CompactMesh(2 * TOO_MANY, 1), std::bad_alloc);
+    EXPECT_THROW(CompactMesh(1, 1).reserve(TOO_MANY), std::bad_alloc);
 }
 
 TEST(Kernel, walksStartAtVerticesInsertedBefore) {

@@ -80,6 +80,7 @@ TEST(RandomData, EmptyRangesAndTooManyPointsAreRefused) {
                     report);
     }
     EXPECT_THROW(generateRandomPoints(UINT64_MAX / 3 + 2, 0.0, 1.0, points, 1), std::length_error);
-    EXPECT_THROW(generateRandomNumbers(UINT64_MAX, 0.0, 1.0, numbers, 1), std::length_error);
+    EXPECT_THROW(generateRandomNumbers(std::uint64_t{1} << 62, 0.0, 1.0, numbers, 1),
+                 std::length_error);
     EXPECT_TRUE(numbers.empty() && points.empty());
 }

@@ -36,10 +36,10 @@ void NodeReader::takeCounts() {
         fail("points with " + std::to_string(dimension) + " coordinates: 3 are needed");
     }
     for (std::uint64_t i = 0; options.bAttributes && i < numAttributes && i < line.size(); ++i) {
-        attributes.add(4 + i, "attribute" + std::to_string(i + 1));
+        attributes.add(4 + static_cast<std::size_t>(i), "attribute" + std::to_string(i + 1));
     }
     if (options.bAttributes && numMarkers > 0) {
-        attributes.add(4 + numAttributes, "marker");
+        attributes.add(4 + static_cast<std::size_t>(numAttributes), "marker");
     }
 }
 

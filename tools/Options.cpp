@@ -47,11 +47,14 @@ std::string versionText() {
 /// Reads "1,2,3".
 AxisColumns parseColumns(const std::string& text) {
     std::vector<std::string_view> words;
-    std::uint64_t numbers[3] = {};
+    std::size_t numbers[3] = {};
     cut(text, Separator::comma, words);
     bool bGood = words.size() == 3;
     for (std::size_t i = 0; i < 3 && bGood; ++i) {
-        bGood = parseCount(words[i], numbers[i]) && numbers[i] > 0;
+        std::uint64_t number = 0;
+        bGood = parseCount(words[i], number) && number > 0;
+        numbers[i] = static_cast<std::size_t>(number);
+        bGood = bGood && numbers[i] == number;
     }
     if (!bGood || numbers[0] == numbers[1] || numbers[0] == numbers[2] ||
         numbers[1] == numbers[2]) {
@@ -65,8 +68,8 @@ void refuseNamesGivenTwice(std::vector<std::string> names) {
     std::vector<std::string> seen;
     for (const std::string& name : names) {
         std::error_code ignored;
-        const std::string real =
-            std::filesystem::weakly_canonical(std::filesystem::absolute(name), ignored).string();
+        const auto path = std::filesystem::absolute(std::filesystem::u8path(name));
+        const std::string real = std::filesystem::weakly_canonical(path, ignored).u8string();
         if (std::find(seen.begin(), seen.end(), real) != seen.end()) {
             throw InputError(name, "named twice");
         }

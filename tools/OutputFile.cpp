@@ -14,13 +14,17 @@ namespace fs = std::filesystem;
 
 OutputFile::OutputFile(const std::string& targetName) : displayName(targetName) {
     std::error_code ignored;
-    const fs::path real = fs::weakly_canonical(targetName, ignored);
-    target = real.empty() ? targetName : real.string();
-    if (fs::is_directory(target, ignored)) {
+    const fs::path named = fs::u8path(targetName);
+    fs::path real = fs::weakly_canonical(named, ignored);
+    if (real.empty()) {
+        real = named;
+    }
+    target = real.u8string();
+    if (fs::is_directory(real, ignored)) {
         errno = EISDIR;
         fail();
     }
-    if (fs::exists(target, ignored) && !fs::is_regular_file(target, ignored)) {
+    if (fs::exists(real, ignored) && !fs::is_regular_file(real, ignored)) {
         temporaryName = target;
         pFile = std::fopen(target.c_str(), "wb");
     } else {
@@ -78,7 +82,11 @@ void OutputFile::close() {
 void OutputFile::commit() {
     if (bTemporary) {
         const SignalBlock block;
-        if (std::rename(temporaryName.c_str(), target.c_str()) != 0) {
+        // Unlike std::rename it replaces an older file on every system.
+        std::error_code error;
+        fs::rename(fs::u8path(temporaryName), fs::u8path(target), error);
+        if (error) {
+            errno = error.default_error_condition().value();
             fail();
         }
         forgetTemporaryFile(temporaryName);

@@ -262,7 +262,8 @@ void PlyReader::readBinaryElement(const Element& element, bool bVertices) {
         return;
     }
     if (bVertices) {
-        set.points.reserve(std::min(element.count, data.size() / smallestRecord));
+        const std::uint64_t mostPossible = data.size() / smallestRecord;
+        set.points.reserve(static_cast<std::size_t>(std::min(element.count, mostPossible)));
     }
     for (std::uint64_t i = 0; i < element.count; ++i) {
         readBinaryRecord({&element, i});
@@ -299,8 +300,8 @@ std::string_view PlyReader::takeBytes(std::uint64_t numBytes, const Place& place
         failAtPlace(place, "the file ends here, " + std::to_string(place.pElement->count) +
                                " were promised");
     }
-    const std::string_view bytes = data.substr(0, numBytes);
-    data.remove_prefix(numBytes);
+    const std::string_view bytes = data.substr(0, static_cast<std::size_t>(numBytes));
+    data.remove_prefix(bytes.size());
     return bytes;
 }
 

@@ -46,11 +46,13 @@ std::optional<std::size_t> positionColumn(std::string_view text) {
         rest.remove_prefix(std::min(field.size() + 1, rest.size()));
         return field;
     };
+    const std::uint64_t mostColumns = 1000;
     std::uint64_t column = 0;
     for (std::uint64_t count = 0; !rest.empty(); column += count) {
         const bool bPosition = takeField() == "pos";
         takeField();
-        if (!parseCount(takeField(), count) || bPosition) {
+        const bool bCount = parseCount(takeField(), count) && count <= mostColumns;
+        if (!bCount || bPosition) {
             return bPosition && count == 3 ? std::optional<std::size_t>(column) : std::nullopt;
         }
     }

@@ -274,5 +274,6 @@ int run(int argc, const char* const* argv) {
 }  // namespace tool
 
 int main(int argc, char** argv) {
+    tool::prepareStreams();
     return tool::run(argc, argv);
 }

@@ -119,8 +119,7 @@ Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
 Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
     prepare(p, [&] {
         VARN3D_TIME(secondsConflict);
-        engineCheck(isInConflict(start),
-                    "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
+        engineCheck(isInConflict(start), checks::START_IN_CONFLICT);
         doom(start);
         growRegion();
     });
@@ -129,7 +128,7 @@ Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
     const std::size_t numStoredTCS = gluing.glue(created);
     if (numStoredTCS != 0)
         messageStream() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
-    engineCheck(numStoredTCS == 0, "numStoredTCS==0", 920);
+    engineCheck(numStoredTCS == 0, checks::CAVITY_IS_CLOSED);
     return last;
 }
 
@@ -156,7 +155,7 @@ void Cavity::prepare(Point3* p, Search search) {
     bases.clear();
     try {
         search();
-        engineCheck(!bases.empty(), "pNewTet!=0", 1060);
+        engineCheck(!bases.empty(), checks::CAVITY_HAS_FACETS);
         tets.reserve(bases.size(), region.size());
         gluing.reserve(bases.size());
         created.reserve(bases.size());
@@ -281,7 +280,7 @@ void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const 
                     << " ORIENTATION OF: " << std::endl;
     messageStream() << std::setprecision(15);
     for (const Point3* corner : {a, b, c, d}) messageStream() << *corner << std::endl;
-    engineCheck(!negative, "false", 980);
+    engineCheck(!negative, checks::NOT_NEGATIVE);
     messageStream() << "..probably a legal situaion but observe!" << std::endl;
 }
 

@@ -77,9 +77,7 @@ struct HullEdge {
     }
 
     /// To be called with false where wrong links keep a turn from ever coming to the hull.
-    static void requireHull(bool bMayCome) {
-        engineCheck(bMayCome, "pCurTet->getOppTet(opp2ICI)==0", 1250);
-    }
+    static void requireHull(bool bMayCome) { engineCheck(bMayCome, checks::EDGE_COMES_TO_HULL); }
 
     Tet3* tet;
     int opp2;

@@ -152,14 +152,9 @@ WalkEnd Locator::walk(const Point3* point, Tet3* tet, int maxSteps) const {
 /// those who go on from here.
 void Locator::checkEntry(const Tet3* tet, int entry, const Point3* point,
                          const FacetSides& sides) const {
-    static const char* const CONDITIONS[4] = {
-        "predicates.getOrientation3(pStartTet,0,pVtx)==ORIENTATION3_POSITIVE",
-        "predicates.getOrientation3(pStartTet,1,pVtx)==ORIENTATION3_POSITIVE",
-        "predicates.getOrientation3(pStartTet,2,pVtx)==ORIENTATION3_POSITIVE",
-        "predicates.getOrientation3(pStartTet,3,pVtx)==ORIENTATION3_POSITIVE"};
     if (sides.orientation[entry] > sides.bound) return;
     const Orientation3 side = predicates.getOrientation3(tet, entry, point);
-    engineCheck(side == ORIENTATION3_POSITIVE, CONDITIONS[entry], 570 + entry);
+    engineCheck(side == ORIENTATION3_POSITIVE, checks::INSIDE_OF_FACET[entry]);
 }
 
 /// The point lies in the plane of a facet: finds out whether it lies in the tetrahedron. If it does
@@ -182,7 +177,7 @@ WalkEnd Locator::lookInPlane(const Point3* point, Tet3* tet, int facet) const {
         if (k != facet) secondCoplanar = k;
     }
     if (numPositive == 3) return end;
-    engineCheck(numPositive == 2, "numPositive==2", 560);
+    engineCheck(numPositive == 2, checks::AT_MOST_ON_AN_EDGE);
     return lookAroundEdge(tet, facet, secondCoplanar);
 }
 

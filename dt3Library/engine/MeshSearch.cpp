@@ -53,7 +53,7 @@ int MeshSearch::walkTo(const Point3& point) {
         if (!bScattered) startNear(point);
         end = locator.locate(&point, tet);
     }
-    engineCheck(end.place != WalkEnd::Place::OnTheWay, "locateResult!=-99", 802);
+    engineCheck(end.place != WalkEnd::Place::OnTheWay, checks::WALK_ENDS);
     tet = end.tet;
     return end.index;
 }

@@ -30,7 +30,7 @@ auto guarded(const char* who, Operation operation) {
 inline void requireFinite(const Point3& point, std::size_t position, const char* who) {
     if (std::isfinite(point.x()) && std::isfinite(point.y()) && std::isfinite(point.z())) return;
     printError(who, "point " + std::to_string(position) + " has a non-finite coordinate");
-    engineCheck(false, "std::isfinite", 70);
+    engineCheck(false, checks::FINITE_COORDINATES);
 }
 
 }  // namespace VARN3D

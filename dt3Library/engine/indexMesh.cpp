@@ -25,8 +25,8 @@ void appendHullFacets(const Tet3* tet, const std::array<std::int32_t, 4>& corner
 
 IndexedMesh indexMesh(const TetRecycler& tets, const PointNumbers& numbers) {
     const LiveTets live(tets);
-    engineCheck(numbers.areComplete(), "numbers.areComplete()", 1500);
-    engineCheck(live.size() <= INT32_MAX, "live.size()<=INT32_MAX", 1501);
+    engineCheck(numbers.areComplete(), checks::POINTS_HAVE_NUMBERS);
+    engineCheck(live.size() <= INT32_MAX, checks::TETRAHEDRA_HAVE_NUMBERS);
     IndexedMesh mesh;
     mesh.duplicates = numbers.getDuplicates();
     mesh.tetrahedra.reserve(live.size());

@@ -33,7 +33,7 @@ bool findStartSimplex(const std::vector<Point3*>& vVertices, const GeomTest3& pr
         return predicates.getOrientation3(simplex[0], simplex[1], simplex[2], simplex[3]);
     };
     if (orientation() == ORIENTATION3_NEGATIVE) std::swap(simplex[0], simplex[1]);
-    engineCheck(orientation() == ORIENTATION3_POSITIVE, "ori==ORIENTATION3_POSITIVE", 115);
+    engineCheck(orientation() == ORIENTATION3_POSITIVE, checks::START_IS_POSITIVE);
     return true;
 }
 

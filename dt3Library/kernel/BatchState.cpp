@@ -76,7 +76,7 @@ void BatchState::restartNumbers() {
 void BatchState::failOpenCavity(std::size_t numUnpaired) {
     if (numUnpaired == 0) return;
     messageStream() << "numStoredTCS after insertVertex: " << numUnpaired << std::endl;
-    engineCheck(false, "numStoredTCS==0", 920);
+    engineCheck(false, checks::CAVITY_IS_CLOSED);
 }
 
 void BatchState::growRegionLists(std::size_t numSlots, std::size_t numFacets) {

@@ -5,8 +5,13 @@
 #include <cstring>
 #include <limits>
 #include <new>
+#include <type_traits>
 
 namespace VARN3D {
+
+static_assert(std::is_trivially_copyable<CompactTet>::value &&
+                  std::is_trivially_default_constructible<CompactTet>::value,
+              "memory from realloc holds tetrahedra without their construction");
 
 void CompactMesh::Free::operator()(void* memory) const {
     std::free(memory);

@@ -69,7 +69,7 @@ Slot ExactTests::walk(Slot start, VertexNumber point, std::uint64_t& numSteps) c
         slot = slotOf(tet.link[facet]);
     }
     messageStream() << "watchDog: bad point" << std::endl;
-    engineCheck(false, "locateResult!=-99", 802);
+    engineCheck(false, checks::WALK_ENDS);
     return slot;
 }
 

@@ -61,8 +61,7 @@ inline Slot walk(BatchState& state, VertexNumber vertex, Slot start) {
         slot = slotOf(tet.link[least.lane]);
     }
     slot = state.exact.walk(slot, vertex, state.numSteps);
-    engineCheck(state.exact.isInConflict(slot, vertex),
-                "predicates.sphereInclusionTest(pStartTet,pVtx)==SIC_INSIDE", 574);
+    engineCheck(state.exact.isInConflict(slot, vertex), checks::START_IN_CONFLICT);
     return slot;
 }
 

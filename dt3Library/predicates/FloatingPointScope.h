@@ -1,6 +1,8 @@
 #pragma once
 
-#if defined(__SSE2__)
+// Where doubles are calculated in SSE registers, these have a control register of their own.
+#if defined(__SSE2__) || defined(_M_X64) || (defined(_M_IX86_FP) && _M_IX86_FP >= 2)
+#define VARN3D_HAS_MXCSR
 #include <xmmintrin.h>
 #else
 #include <cfenv>
@@ -14,7 +16,7 @@ namespace VARN3D {
 /// predicates wrong. The host's setting comes back at the end.
 class FloatingPointScope {
   public:
-#if defined(__SSE2__)
+#if defined(VARN3D_HAS_MXCSR)
     FloatingPointScope() : hostControl(_mm_getcsr()) {
         if ((hostControl & CHANGES_RESULTS) != 0) _mm_setcsr(hostControl & ~CHANGES_RESULTS);
     }
@@ -34,7 +36,7 @@ class FloatingPointScope {
     FloatingPointScope& operator=(const FloatingPointScope&) = delete;
 
   private:
-#if defined(__SSE2__)
+#if defined(VARN3D_HAS_MXCSR)
     /// Rounding control, denormals-are-zero and flush-to-zero.
     static constexpr unsigned CHANGES_RESULTS = 0x6000U | 0x0040U | 0x8000U;
     unsigned hostControl;

@@ -4,8 +4,8 @@
 #
 # "== title" begins a case, in an empty directory of its own. Indented lines are a session: "$ " and
 # "> " begin a command, what it prints follows, standard error included, and its exit code in
-# brackets if that is not 0. Everything else is for the reader. varn3d is the program, $here the
-# directory of this script.
+# brackets if that is not 0. Everything else is for the reader. varn3d is the program, which the command
+# EMULATOR runs if that is set, $here the directory of this script.
 set -eu
 
 update=false
@@ -16,7 +16,8 @@ here=$(cd -- "$(dirname -- "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 mkdir "$scratch/bin"
-ln -s "$(realpath "$program")" "$scratch/bin/varn3d"
+printf '#!/bin/sh\nexec %s "%s" "$@"\n' "${EMULATOR:-}" "$(realpath "$program")" >"$scratch/bin/varn3d"
+chmod +x "$scratch/bin/varn3d"
 
 to_script='
     function here(word, text) { ++n; print word " <<\\END_" n "\n" text "END_" n }

@@ -1,0 +1,188 @@
+#!/bin/sh
+# check-platforms.sh              compares the meshes of the fixed inputs with their recorded digests on
+#                                 every platform below, and runs tests or the program on some
+# check-platforms.sh PLATFORM...  only on these
+# Other processors are emulated (qemu-user), and Windows is Wine. Ends with a table. Installs what is
+# missing (Debian); libraries of other architectures are unpacked below build only.
+set -eu
+
+root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
+cd "$root"
+. scripts/packages.sh
+
+[ $# -gt 0 ] || set -- x86-64 x86-64-portable x86-64-libc++ standard-only i686 aarch64 s390x windows
+build=$root/build/platforms
+table=$build/table
+mkdir -p "$build"
+install_missing make cmake dpkg
+
+# unpack ARCHITECTURE PACKAGE...: below $build/debian-ARCHITECTURE.
+unpack() {
+    prefix=$build/debian-$1
+    options="-o Dir::State::Lists=$prefix/lists -o Dir::Cache=$prefix -o Dir::State::status=/dev/null
+        -o APT::Architecture=$1 -o APT::Architectures=$1 -o APT::Sandbox::User="
+    shift
+    [ ! -d "$prefix/usr" ] || return 0
+    mkdir -p "$prefix/lists/partial" "$prefix/archives/partial"
+    # The options are to be split into words.
+    # shellcheck disable=SC2086
+    (cd "$prefix" && apt-get -qq $options update && apt-get -qq $options download "$@" &&
+        for package in *.deb; do dpkg-deb -x "$package" .; done)
+}
+
+# quietly COMMAND...: shows its output only if it fails.
+quietly() {
+    "$@" >"$build/log" 2>&1 || { tail -n 50 "$build/log"; echo "FAILED on $platform: $*"; exit 1; }
+}
+
+configure() {
+    quietly cmake -S . -B "$build/$platform" -DCMAKE_BUILD_TYPE=Release -DVARN3D_BUILD_BENCH=OFF "$@"
+}
+
+compile() {
+    quietly cmake --build "$build/$platform" --parallel "$(nproc)" "$@"
+}
+
+# digests COMPILER [OPTION]...: builds a host for the library of $build/$platform, and runs it.
+digests() {
+    compile --target varn3d_library
+    host=$build/$platform/digests.exe
+    quietly "$@" -std=c++17 -O2 -ffp-contract=off -static -I. tests/digests/main.cpp \
+        tests/support/MeshDigest.cpp tests/support/DigestInputs.cpp \
+        "$build/$platform/libvarn3d.a" -o "$host"
+    # Without an emulator the host is the command.
+    # shellcheck disable=SC2086
+    quietly env WINEPREFIX="$build/wine" WINEDEBUG=-all $emulator "$host"
+    result="$(grep -c 'as recorded' "$build/log") digests"
+    version=$("$1" --version | sed -n '1s/([^)]*)//; 1s/ \+/ /gp')
+}
+
+# tests [OPTION]...: builds all and runs the tests, as the options to ctest choose them.
+tests() {
+    compile
+    quietly ctest --test-dir "$build/$platform" --parallel "$(nproc)" --output-on-failure \
+        --no-tests=error "$@"
+    number=$(sed -n 's/^100% tests passed, 0 tests failed out of //p' "$build/log")
+    result="$result, $number tests"
+}
+
+# cross TRIPLET ARCHITECTURE
+cross() {
+    install_missing "g++-$1"
+    unpack "$2" libgmp-dev libgtest-dev libgmock-dev
+    install_missing libcli11-dev
+    configure --toolchain "$root/cmake/toolchains/$1.cmake" \
+        -DCMAKE_PREFIX_PATH="$build/debian-$2/usr"
+}
+
+# native COMPILER [FLAGS]
+native() {
+    configure -DCMAKE_CXX_COMPILER="$1" -DVARN3D_BUILD_TESTS=OFF \
+        -DVARN3D_BUILD_EXAMPLES=OFF -DVARN3D_BUILD_TOOLS=OFF "-DCMAKE_CXX_FLAGS=${2:-}"
+}
+
+# The program on Windows reads and writes the same bytes as here, under names in any script.
+windows_program() {
+    compile --target varn3d
+    install_missing g++ libcli11-dev
+    quietly cmake -S . -B "$build/here" -DCMAKE_BUILD_TYPE=Release -DVARN3D_BUILD_TESTS=OFF \
+        -DVARN3D_BUILD_EXAMPLES=OFF -DVARN3D_BUILD_BENCH=OFF
+    quietly cmake --build "$build/here" --target varn3d --parallel "$(nproc)"
+    files=$build/windows-files
+    rm -rf "$files"
+    mkdir -p "$files/here" "$files/there"
+    cp examples/data/duck.ply "$files/Ente-ü-鴨.ply"
+    on_windows() {
+        LC_ALL=C.UTF-8 WINEPREFIX="$build/wine" WINEDEBUG=-all \
+            $emulator "$build/windows/tools/varn3d.exe" "$@"
+    }
+    (cd "$files/here" && run_program "$build/here/tools/varn3d")
+    (cd "$files/there" && run_program on_windows)
+    quietly diff -r "$files/here" "$files/there"
+    result="$result, the program's files"
+}
+
+run_program() {
+    "$@" ../Ente-ü-鴨.ply --quiet --check --vtk grün.vtk --tetgen 四面体 --hull h.ply
+    # This replaces the older file.
+    "$@" h.ply --quiet --vtk grün.vtk --medit m.mesh
+    "$@" - --quiet --vtk input.vtu <h.ply
+    "$@" missing-ü.ply >message 2>&1 && exit 1
+    sed -i 's/\r$//' message
+}
+
+check() {
+    emulator=
+    case $platform in
+    x86-64)
+        install_missing g++
+        native g++
+        digests g++
+        ;;
+    x86-64-portable)
+        install_missing g++
+        native g++ -DVARN3D_NO_AVX2
+        digests g++
+        ;;
+    x86-64-libc++)
+        install_missing clang libc++-dev libc++abi-dev
+        native clang++ -stdlib=libc++
+        digests clang++ -stdlib=libc++ -pthread
+        ;;
+    standard-only)
+        # As compilers see the library that have none of g++'s extensions.
+        install_missing clang
+        native clang++ "-U__GNUC__ -U__SIZEOF_INT128__"
+        digests clang++
+        ;;
+    i686)
+        cross i686-linux-gnu i386
+        digests i686-linux-gnu-g++ -msse2 -mfpmath=sse
+        tests
+        if i686-linux-gnu-g++ -std=c++17 -I. -fsyntax-only dt3Library/GeomTest3.cpp 2>"$build/log"; then
+            echo "FAILED on i686: x87 registers are not refused"
+            exit 1
+        fi
+        quietly grep 'needs double operations rounded to double' "$build/log"
+        ;;
+    aarch64)
+        install_missing qemu-user
+        emulator=qemu-aarch64
+        cross aarch64-linux-gnu arm64
+        digests aarch64-linux-gnu-g++
+        tests
+        ;;
+    s390x)
+        install_missing qemu-user
+        emulator=qemu-s390x
+        cross s390x-linux-gnu s390x
+        digests s390x-linux-gnu-g++
+        # What depends on the order of bytes.
+        tests -R '^(test_digests|test_predicates|test_program|test_utilities)\.'
+        ;;
+    windows)
+        install_missing g++-mingw-w64-x86-64 wine64
+        emulator=/usr/lib/wine/wine64
+        unpack amd64 libcli11-dev
+        configure --toolchain "$root/cmake/toolchains/x86_64-w64-mingw32.cmake" \
+            -DVARN3D_BUILD_TESTS=OFF -DCMAKE_PREFIX_PATH="$build/debian-amd64/usr"
+        digests x86_64-w64-mingw32-g++-posix
+        windows_program
+        ;;
+    *)
+        echo "Unknown platform: $platform" >&2
+        exit 2
+        ;;
+    esac
+}
+
+: >"$table"
+for platform in "$@"; do
+    check
+    echo "$platform: $result"
+    echo "| $platform | $version | ${emulator##*/} | $result |" >>"$table"
+done
+echo
+echo "| platform | compiler | emulator | as recorded, passed, the same |"
+echo "|---|---|---|---|"
+cat "$table"
