@@ -6,6 +6,7 @@
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/AffineSpan.h"
 #include "dt3Library/engine/Cavity.h"
 #include "dt3Library/engine/Locator.h"
@@ -56,6 +57,9 @@ class Dt3 {
     void insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// Single insertion.
     Point3* insert(const Point3& point);
+    /// Takes the vertices that wait into the mesh. Returns how many.
+    std::size_t insertWaiting();
+    BatchProgress& getProgress() { return progress; }
     /// Inserts the listed vertices, starting at a tetrahedron of the mesh. A vertex that equals one
     /// of the mesh is replaced by it in the list.
     void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
@@ -88,7 +92,8 @@ class Dt3 {
     void insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints);
     void insertLaterBatch(std::vector<Point3*>& vNew);
     void insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart);
-    void takeInLeftOver(std::vector<Point3*>& vNew) const;
+    std::vector<Point3*> listWaiting() const;
+    void insertOneByOne(std::vector<Point3*>& vNew);
     Tet3* startTetNear(const Point3& point);
     Tet3* insertAt(const WalkEnd& place, Point3*& pVtx);
 
@@ -105,6 +110,7 @@ class Dt3 {
     Varn_3D* pOwner;
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
+    BatchProgress progress;
     /// Whether an insertion has failed and no batch has come to its end since.
     bool bFailed = false;
     /// A tetrahedron of the mesh: where the last insertion ended.

@@ -90,7 +90,7 @@ void HC3::enterInTable(VertexTable::Place place, Point3* vertex) {
 }
 
 void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
-                 std::vector<Point3*>& vNew) {
+                 std::vector<Point3*>& vNew, BatchProgress& progress) {
     varnAssertText(vUserHandles.empty(), "vUserHandles.empty()");
     if (points.empty()) return;
     vUserHandles.resize(points.size());
@@ -105,6 +105,8 @@ void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
         const KeyedPosition* last = first + 1;
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
+        // All points are stored, also where none of them is to be inserted any more.
+        static_cast<void>(progress.goesOn(0));
         // The curve's order has little to do with that of the points.
         constexpr std::ptrdiff_t AHEAD = 16;
         if (end - last > AHEAD) points.prefetch(positionOf(last[AHEAD]));

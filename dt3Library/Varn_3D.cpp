@@ -1,6 +1,7 @@
 #include "dt3Library/Varn_3D.h"
 
 #include <new>
+#include <utility>
 
 #include "dt3Library/Dt3.h"
 #include "dt3Library/engine/star.h"
@@ -51,6 +52,14 @@ void Varn_3D::insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUs
 
 Point3* Varn_3D::insert(const Point3& point) {
     return guarded("Varn_3D::insert()", [&] { return pDt3->insert(point); });
+}
+
+std::size_t Varn_3D::insertWaiting() {
+    return guarded("Varn_3D::insertWaiting()", [&] { return pDt3->insertWaiting(); });
+}
+
+void Varn_3D::setProgress(std::function<bool(std::size_t done, std::size_t total)> function) {
+    pDt3->getProgress().setFunction(std::move(function));
 }
 
 Tet3* Varn_3D::locate(const Point3& point) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -61,7 +62,8 @@ class VARN3D_EXPORT Varn_3D {
     /// Inserts a batch. vUserHandles gets one vertex for each point, in input order; points with
     /// equal coordinates get the same one, which may be from an earlier insertion. If vUserHandles
     /// is not empty, prints a warning and empties it first. Vertices that were waiting join the
-    /// mesh with the batch that makes the first tetrahedron.
+    /// mesh with the batch that makes the first tetrahedron. The function of `setProgress` may stop
+    /// the batch.
     ///
     /// Prints "numPoints=" and the number of points. A coordinate that is not finite is a failed
     /// check before anything is stored. O(n log n) expected for n points of which all but few lie
@@ -86,6 +88,24 @@ class VARN3D_EXPORT Varn_3D {
     /// coordinate that is not finite is a failed check. O(log n) to find the place, and time in
     /// proportion to the tetrahedra that change.
     Point3* insert(const Point3& point);
+
+    /// Takes the vertices that wait into the mesh, as a batch of them would be inserted. Returns
+    /// how many it has taken: none while all vertices lie in one plane, and fewer than wait where
+    /// the function of `setProgress` stops it. Prints nothing. Where memory runs out, they wait as
+    /// before, or, if they were fewer than the others, some have joined. O(1) if none wait, else
+    /// as `insert`.
+    std::size_t insertWaiting();
+
+    /// Sets what the insertion of batches and of waiting vertices calls now and then, at most every
+    /// 10 milliseconds: how many of how many new vertices are in the mesh. While points are being
+    /// stored none are, and total is the number of points. False stops the insertion: all handles
+    /// are given, the mesh is valid, and the vertices that are not in it wait, for `insertWaiting`
+    /// or for being inserted singly. An exception passes through the insertion, with the same
+    /// consequences as memory that runs out. An empty function ends the calls.
+    ///
+    /// It is called in the thread that inserts, under the library's floating-point settings, and
+    /// must not use the Varn_3D.
+    void setProgress(std::function<bool(std::size_t done, std::size_t total)> function);
 
     /// The tetrahedron that holds a point, in its inside, on its boundary or at a corner. Null
     /// while there is no tetrahedron, outside the convex hull, and on its surface unless at a
