@@ -35,8 +35,9 @@ void printNothingToInsert() {
 
 void requireFinite(const Point3& point, std::size_t position, const char* who) {
     if (isFinite(point)) return;
-    printError(who, "point " + std::to_string(position) + " has a non-finite coordinate");
-    engineCheck(false, "std::isfinite", 70);
+    const std::string reason = "point " + std::to_string(position) + " has a non-finite coordinate";
+    printError(who, reason);
+    engineFail(reason, "std::isfinite", 70);
 }
 
 /// Sets a flag when an exception leaves its scope.
@@ -56,12 +57,8 @@ class FailureNote {
 
 }  // namespace
 
-Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
-    : locator(predicates),
-      cavity(predicates, tets),
-      hull(predicates),
-      pOwner(pTheOwner),
-      kernelSteps(theSteps) {}
+Dt3::Dt3(const KernelSteps& theSteps)
+    : locator(predicates), cavity(predicates, tets), hull(predicates), kernelSteps(theSteps) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 

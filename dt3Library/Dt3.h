@@ -17,8 +17,6 @@
 
 namespace VARN3D {
 
-class Varn_3D;
-
 /// The triangulation engine behind `Varn_3D`: incremental insertion by conflict regions. It owns
 /// vertices and tetrahedra and drives those who do the work.
 ///
@@ -42,11 +40,10 @@ class Varn_3D;
 class Dt3 {
   public:
     /// The mesh doesn't depend on the kernel's steps.
-    explicit Dt3(Varn_3D* pOwner, const KernelSteps& steps = fastestSteps());
+    explicit Dt3(const KernelSteps& steps = fastestSteps());
     Dt3(const Dt3&) = delete;
     Dt3& operator=(const Dt3&) = delete;
 
-    Varn_3D* getOwner() const { return pOwner; }
     bool is3D() const { return bFullDimensional; }
     void setVerbosity(bool bOn) { bVerbose = bOn; }
 
@@ -107,7 +104,6 @@ class Dt3 {
     /// How many vertices are corners of tetrahedra.
     std::size_t numInMesh = 0;
     AffineSpan span;
-    Varn_3D* pOwner;
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
     BatchProgress progress;

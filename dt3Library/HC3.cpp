@@ -34,7 +34,7 @@ void orderWithinCell(Point3** first, Point3** last) {
 HC3::HC3(unsigned keyBits) : numBits(keyBits) {
     if (numBits == 0 || numBits >= 33 || numBits % 3 != 0) {
         std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
-        varnAssertText(false, "false");
+        varnFail("the store's keys have an invalid length", "false");
     }
     vertices.init();
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,11 @@ class VARN3D_EXPORT Varn_3D {
     ~Varn_3D();
     Varn_3D(const Varn_3D&) = delete;
     Varn_3D& operator=(const Varn_3D&) = delete;
+    /// Takes the other one's triangulation over; all pointers into it stay valid. The other one can
+    /// then only be destroyed or assigned to: any other use is a failed check. O(1).
+    Varn_3D(Varn_3D&& other) noexcept;
+    /// The same, and frees the own vertices and tetrahedra.
+    Varn_3D& operator=(Varn_3D&& other) noexcept;
 
     /// Whether there are tetrahedra, which is so once a batch or a point was inserted that doesn't
     /// lie in one plane with all before. O(1).
@@ -159,7 +165,9 @@ class VARN3D_EXPORT Varn_3D {
     void setVerbosity(bool bVerbose);
 
   private:
-    Dt3* pDt3;
+    Dt3& engine() const;
+
+    std::unique_ptr<Dt3> pDt3;
 };
 
 /// Whether this is a release build: false.

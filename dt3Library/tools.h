@@ -23,8 +23,10 @@ std::string getNextDumpPrefix();
 [[noreturn]] void goToHell(const std::string& reason);
 
 /// Reports a failed condition and throws. `file` may be any path that ends in a path relative to
-/// the repository's root: what stands before the last "dt3Library/" is not printed.
-[[noreturn]] void conditionFailed(const char* condition, const char* file, int line);
+/// the repository's root: what stands before the last "dt3Library/" is not printed. The exception
+/// has the reason, if there is one, or else condition and place.
+[[noreturn]] void conditionFailed(const char* condition, const char* file, int line,
+                                  const std::string& reason = {});
 
 inline bool range03(int ith) {
     return ith >= 0 && ith <= 3;
@@ -40,6 +42,9 @@ inline bool range02(int ith) {
 
 /// The same under a text of its own, which no formatting of the source can change.
 #define varnAssertText(condition, text) varnAssertAt(condition, text, __FILE__, __LINE__)
+
+/// A check that has failed, with the reason for the exception.
+#define varnFail(reason, text) ::VARN3D::conditionFailed(text, __FILE__, __LINE__, reason)
 
 /// The same where the check has a fixed place: a file and line that name it in every version of
 /// the library, wherever it stands today.

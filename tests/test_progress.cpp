@@ -90,7 +90,7 @@ bool insertAll(Dt3& engine, std::size_t last, bool bThrow, std::vector<std::size
 }
 
 TEST(Progress, whateverIsStoppedGoesOn) {
-    Dt3 sound(nullptr);
+    Dt3 sound;
     std::vector<std::size_t> numWaiting;
     outputOf([&] {
         for (const Step& step : STEPS) {
@@ -103,7 +103,7 @@ TEST(Progress, whateverIsStoppedGoesOn) {
     for (std::size_t last = 0; bEnded; last += last / 4 + 1) {
         bEnded = false;
         for (const bool bThrow : {false, true}) {
-            Dt3 engine(nullptr);
+            Dt3 engine;
             numWaiting.clear();
             outputOf([&] { bEnded = insertAll(engine, last, bThrow, numWaiting) || bEnded; });
             EXPECT_EQ(numWaiting.back() > 0, bEnded && !bThrow) << last;
