@@ -57,16 +57,20 @@ void HC3::enlargeBox(double factor) {
 
 /// Grows the box to hold the points. Returns whether it has changed.
 bool HC3::growBox(const InputPoints& points) {
-    Point3 low = points[0];
-    Point3 high = low;
+    double low[3];
+    double high[3];
+    points[0].xyz(low[0], low[1], low[2]);
+    points[0].xyz(high[0], high[1], high[2]);
     for (std::size_t i = 1; i < points.size(); ++i) {
         const Point3 p = points[i];
-        low.exchange(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
-        high.exchange(std::max(high.x(), p.x()), std::max(high.y(), p.y()),
-                      std::max(high.z(), p.z()));
+        const double at[3] = {p.x(), p.y(), p.z()};
+        for (int axis = 0; axis < 3; ++axis) {
+            low[axis] = std::min(low[axis], at[axis]);
+            high[axis] = std::max(high[axis], at[axis]);
+        }
     }
-    const bool bLower = bbox.add(low);
-    return bbox.add(high) || bLower;
+    const bool bLower = bbox.add(Point3(low[0], low[1], low[2]));
+    return bbox.add(Point3(high[0], high[1], high[2])) || bLower;
 }
 
 Point3* HC3::newVertex(const Point3& point, std::uint64_t place) {

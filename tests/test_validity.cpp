@@ -125,7 +125,7 @@ class Validity : public testing::Test {
     }
 
     std::filesystem::path directory;
-    Dt3 engine{nullptr};
+    Dt3 engine;
     std::vector<Point3*> handles;
     std::vector<Tet3*> tets;
     /// Index of the shared facet in the first tetrahedron.
