@@ -1,7 +1,6 @@
 #include "dt3Library/Dt3.h"
 
 #include <array>
-#include <cmath>
 #include <exception>
 #include <iostream>
 
@@ -11,6 +10,7 @@
 #include "dt3Library/engine/InsertionOrder.h"
 #include "dt3Library/engine/LiveTets.h"
 #include "dt3Library/engine/MeshCheck.h"
+#include "dt3Library/engine/hostCalls.h"
 #include "dt3Library/engine/meshDumps.h"
 #include "dt3Library/engine/startSimplex.h"
 #include "dt3Library/kernel/BatchInsertion.h"
@@ -25,19 +25,8 @@ namespace {
 /// tetrahedron serves as well.
 constexpr std::size_t ENTRIES_SEARCHED = 32;
 
-bool isFinite(const Point3& p) {
-    return std::isfinite(p.x()) && std::isfinite(p.y()) && std::isfinite(p.z());
-}
-
 void printNothingToInsert() {
     std::cout << "Attention: triangulate has got an empty vector" << std::endl;
-}
-
-void requireFinite(const Point3& point, std::size_t position, const char* who) {
-    if (isFinite(point)) return;
-    const std::string reason = "point " + std::to_string(position) + " has a non-finite coordinate";
-    printError(who, reason);
-    engineFail(reason, "std::isfinite", 70);
 }
 
 /// Sets a flag when an exception leaves its scope.
@@ -71,6 +60,7 @@ void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHan
         printWarning("Dt3::insert()", "vUserHandles is not empty as it should be");
         vUserHandles.clear();
     }
+    ++revision;
     const std::size_t n = vInputPoints.size();
     std::cout << "numPoints=" << n << std::endl;
     if (n == 0) return;
@@ -145,6 +135,7 @@ void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
 
 Point3* Dt3::insert(const Point3& point) {
     requireFinite(point, 0, "Dt3::insert()");
+    ++revision;
     const FailureNote note(bFailed);
     auto [pVtx, pLastTet] = store.insertOne(point, bFullDimensional ? ENTRIES_SEARCHED : 0);
     if (bFullDimensional) {
@@ -166,6 +157,7 @@ Point3* Dt3::insert(const Point3& point) {
 std::size_t Dt3::insertWaiting() {
     const std::size_t numBefore = numInMesh;
     if (getNumWaiting() == 0) return 0;
+    ++revision;
     std::vector<Point3*> vWaiting = listWaiting();
     progress.begin(vWaiting.size());
     if (bFullDimensional)

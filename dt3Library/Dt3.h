@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,11 @@ class Dt3 {
 
     // Queries
 
+    const HC3& getStore() const { return store; }
+    /// A tetrahedron of the mesh; null while there is none.
+    Tet3* getRecentTet() const { return pRecentTet; }
+    /// Another number after each call that may change vertices or mesh.
+    std::uint64_t getRevision() const { return revision; }
     /// The tetrahedron that holds the point; null outside the hull and on its surface.
     Tet3* locate(const Point3& point);
     void getVertices(std::vector<Point3*>& vVertices) const { store.getVertices(vVertices); }
@@ -107,6 +113,7 @@ class Dt3 {
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
     BatchProgress progress;
+    std::uint64_t revision = 0;
     /// Whether an insertion has failed and no batch has come to its end since.
     bool bFailed = false;
     /// A tetrahedron of the mesh: where the last insertion ended.

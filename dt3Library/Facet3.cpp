@@ -5,6 +5,10 @@
 
 namespace VARN3D {
 
+Facet3::Facet3(Tet3* pTheTet, int opp3) : pTet(pTheTet), opp3ICI(opp3) {
+    varnAssertText(range03(opp3), "range03(opp3)");
+}
+
 int Facet3::getIntraTetIndex(int ith) const {
     varnAssertText(range02(ith), "range02(ith)");
     return Tet3::getEdgeIndices(opp3ICI, ith).first;

@@ -10,6 +10,7 @@
 
 namespace VARN3D {
 
+using predicateStages::DistanceOrder;
 using predicateStages::Estimate;
 using predicateStages::Orientation;
 using predicateStages::Orientation2D;
@@ -49,6 +50,11 @@ inline Decision decide(const Points<Predicate>& points, double errorBound) {
     const Verdict verdict = decideByFilter(estimate, errorBound);
     if (verdict.bCertain) return {verdict.sign, PredicateStage::Filter};
     return decideExactly(points, estimate);
+}
+
+Points<Sphere> sphereOf(const Tet3* tet, const Point3* p) {
+    return {{MeshAccess::corner(tet, 0), MeshAccess::corner(tet, 1), MeshAccess::corner(tet, 2),
+             MeshAccess::corner(tet, 3), p}};
 }
 
 /// By the sign plus 1; Shewchuk's orient3d counts the other handedness as positive. No branch: the
@@ -156,14 +162,26 @@ bool GeomTest3::isStrictlyInSphere(const Point3* pa, const Point3* pb, const Poi
 }
 
 SphereInclusion GeomTest3::sphereInclusionTest(const Tet3* pTet, const Point3* pE) const {
-    const Points<Sphere> points{{MeshAccess::corner(pTet, 0), MeshAccess::corner(pTet, 1),
-                                 MeshAccess::corner(pTet, 2), MeshAccess::corner(pTet, 3), pE}};
+    const Points<Sphere> points = sphereOf(pTet, pE);
     const Decision decision = decide(points, constants.isperrboundA);
     VARN3D_COUNT_STAGE(sphere, decision.stage);
     if (decision.sign != 0) return decision.sign < 0 ? SIC_INSIDE : SIC_OUTSIDE;
     for (int i = 0; i < 4; ++i)
         if (*points.p[i] == *pE) return SIC_INSIDE;
     return SIC_OUTSIDE;
+}
+
+bool GeomTest3::isOnSphere(const Tet3* pTet, const Point3* pE) const {
+    const Decision decision = decide(sphereOf(pTet, pE), constants.isperrboundA);
+    VARN3D_COUNT_STAGE(sphere, decision.stage);
+    return decision.sign == 0;
+}
+
+int GeomTest3::compareDistances(const Point3* pa, const Point3* pb, const Point3* from) const {
+    const Decision decision =
+        decide<DistanceOrder>({{pa, pb, from}}, predicateStages::DISTANCE_FILTER_BOUND);
+    VARN3D_COUNT_STAGE(distance, decision.stage);
+    return decision.sign;
 }
 
 bool GeomTest3::areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const {

@@ -5,7 +5,8 @@
 
 namespace VARN3D {
 
-/// On which side of the plane of three points a fourth lies.
+/// On which side of the plane of three points a, b, c a fourth point d lies: positive where a, b, c
+/// run counter-clockwise seen from d, as (0,0,0), (1,0,0), (0,1,0) do from (0,0,1).
 enum Orientation3 {
     ORIENTATION3_POSITIVE = 0,
     ORIENTATION3_NEGATIVE = 1,
@@ -14,9 +15,9 @@ enum Orientation3 {
 
 /// Where a point lies against the circumsphere of a tetrahedron.
 enum SphereInclusion {
-    SIC_INSIDE = 0,
+    SIC_INSIDE = 0,   ///< also at a corner
     SIC_OUTSIDE = 1,  ///< also exactly on the sphere
-    SIC_VERTEX = 2,
+    SIC_VERTEX = 2,   ///< not in use
 };
 
 /// The name of an orientation, "ORI3_ORIENTATION3_POSITIVE" and so on.
@@ -51,24 +52,41 @@ struct FacetSides {
     unsigned notInner;
 };
 
-/// The exact predicates.
+/// The exact predicates. No answer depends on rounding, and all finite coordinates will do: where
+/// products of differences leave a double's range the answer comes from exact integers. Pointers
+/// must not be null, nor coordinates infinite or NaN; neither is checked unless it is said below.
+/// Constant time. The caller sees to rounding to nearest and to denormal numbers
+/// (`FloatingPointScope`). Used by any number of threads.
 class GeomTest3 {
   public:
     GeomTest3();
 
     const PredicateConstants& getConstants() const { return constants; }
 
+    /// The side of the plane of pa, pb, pc on which pd lies; coplanar also if the three lie on a
+    /// line.
     Orientation3 getOrientation3(const Point3* pa, const Point3* pb, const Point3* pc,
                                  const Point3* pd) const;
+    /// The side of facet ith of a positively oriented tetrahedron: positive where its corner ith
+    /// lies, negative beyond the facet. An ith outside 0..3 throws VarnException, null for the
+    /// tetrahedron ends the process.
     Orientation3 getOrientation3(const Tet3* pC, int ith, const Point3* pD) const;
     /// A first look at all facets at once.
     FacetSides seeFacets(const Tet3* pTet, const Point3* p) const;
+    /// The tetrahedron must be positively oriented, or inside and outside are exchanged.
     SphereInclusion sphereInclusionTest(const Tet3* pTet, const Point3* pE) const;
     /// Whether the last point lies strictly inside the sphere through the other four, which must be
     /// positively oriented. In exact integers, without a look at plain doubles: for points of which
     /// these are known to tell nothing.
     bool isStrictlyInSphere(const Point3* pa, const Point3* pb, const Point3* pc, const Point3* pd,
                             const Point3* pe) const;
+
+    /// Whether a point lies exactly on the circumsphere of a tetrahedron.
+    bool isOnSphere(const Tet3* pTet, const Point3* pE) const;
+
+    /// Compares the distances of two points from a third: -1 where pa is nearer, 1 where pb is, 0
+    /// for equal ones.
+    int compareDistances(const Point3* pa, const Point3* pb, const Point3* from) const;
 
     /// Whether three points lie exactly on one line (coinciding points do).
     bool areCollinear(const Point3* pa, const Point3* pb, const Point3* pc) const;

@@ -37,7 +37,7 @@ void Point3::xyz(double& x, double& y, double& z) const {
 }
 
 Point3 Point3::operator+(const Vector3& v) const {
-    return Point3(xx + v.x(), yy + v.y(), zz + v.z());
+    return Point3(xx + v.x, yy + v.y, zz + v.z);
 }
 
 Vector3 Point3::operator-(const Point3& other) const {

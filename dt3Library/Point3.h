@@ -87,7 +87,10 @@ class VARN3D_EXPORT Point3 {
 VARN3D_EXPORT std::ostream& operator<<(std::ostream& out, const Point3& p);
 
 /// The unit normal of the plane through three points: it points to the side from which p0, p1, p2
-/// run counter-clockwise. Degenerate points give (0, 0, 0) and one to three warning lines.
+/// run counter-clockwise. Degenerate points give (0, 0, 0) and one to three warning lines. In plain
+/// floating point: an angle near 0 or 180 degrees at p0 leaves few digits or none, and differences
+/// to p0 below 1e-162, or above 1e154, count as degenerate, for their squares leave a double's
+/// range.
 VARN3D_EXPORT Vector3 getNormalVector(const Point3& p0, const Point3& p1, const Point3& p2);
 
 }  // namespace VARN3D

@@ -9,6 +9,7 @@
 #include "dt3Library/base/facets.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
+#include "dt3Library/predicates/FloatingPointScope.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
@@ -94,11 +95,12 @@ bool Tet3::hasVertex(const Point3* p) const {
 
 bool Tet3::hasVertex(const Point3& p) const {
     for (const Point3* corner : aVertexPointer)
-        if (*corner == p) return true;
+        if (corner != nullptr && *corner == p) return true;
     return false;
 }
 
 Point3 Tet3::getCircumcenter() const {
+    for (const Point3* corner : aVertexPointer) varnAssertText(corner != nullptr, "corner!=NULL");
     const Point3& a = *aVertexPointer[0];
     const Vector3 b = *aVertexPointer[1] - a;
     const Vector3 c = *aVertexPointer[2] - a;
@@ -110,9 +112,9 @@ Point3 Tet3::getCircumcenter() const {
     const double cc = dot(c, c);
     const double dd = dot(d, d);
     const double scale = 0.5 / dot(b, cd);
-    return a + Vector3((bb * cd.x() + cc * db.x() + dd * bc.x()) * scale,
-                       (bb * cd.y() + cc * db.y() + dd * bc.y()) * scale,
-                       (bb * cd.z() + cc * db.z() + dd * bc.z()) * scale);
+    return a + Vector3((bb * cd.x + cc * db.x + dd * bc.x) * scale,
+                       (bb * cd.y + cc * db.y + dd * bc.y) * scale,
+                       (bb * cd.z + cc * db.z + dd * bc.z) * scale);
 }
 
 // ---- Neighbours --------------------------------------------------------------------------------
@@ -142,7 +144,9 @@ int Tet3::getIntraTetIndex(const Tet3* pNeig) const {
 }
 
 int Tet3::getIntraTetIndexInOppTet(int ith) const {
-    return getOppTet(ith)->getIntraTetIndex(this);
+    const Tet3* pOpp = getOppTet(ith);
+    varnAssertText(pOpp != nullptr, "pOpp!=NULL");
+    return pOpp->getIntraTetIndex(this);
 }
 
 Point3* Tet3::getOppVtxInOppTet(int ith, bool bNullAllowed) const {
@@ -224,6 +228,7 @@ std::pair<int, int> Tet3::getEdgeIndices(int i, int j) {
 // ---- Output ------------------------------------------------------------------------------------
 
 std::ostream& operator<<(std::ostream& out, const Tet3& tet) {
+    const FloatingPointScope scope;
     Point3 *p0, *p1, *p2, *p3;
     tet.getCorners(p0, p1, p2, p3);
     const bool bHasCorners = !tet.hasVertex(static_cast<const Point3*>(nullptr));

@@ -64,10 +64,11 @@ class VARN3D_EXPORT Tet3 {
     int getIntraTetIndex(const Point3* pp) const;
     /// Whether p is a corner, by address.
     bool hasVertex(const Point3* p) const;
-    /// Whether a corner has p's coordinates.
+    /// Whether a corner has p's coordinates; a corner that is null has none.
     bool hasVertex(const Point3& p) const;
-    /// The centre of the sphere through the corners, in plain floating point: infinite or NaN for a
-    /// flat tetrahedron.
+    /// The centre of the sphere through the corners, none of which may be null: VarnException. In
+    /// plain floating point, so a flat tetrahedron gives infinite, NaN or meaningless coordinates.
+    /// Fourth powers of the edges occur: below 1e-76 or above 1e76 they leave a double's range.
     Point3 getCircumcenter() const;
 
     /// The neighbour opposite corner ith; null on the hull.
@@ -82,7 +83,7 @@ class VARN3D_EXPORT Tet3 {
     void setOppTet(int ith, Tet3* pC);
     /// The index of a neighbour. If pNeig is none, prints both and ends the process with code 1.
     int getIntraTetIndex(const Tet3* pNeig) const;
-    /// The index that this tetrahedron has in its neighbour ith, which must exist.
+    /// The index that this tetrahedron has in its neighbour ith, which must exist: VarnException.
     int getIntraTetIndexInOppTet(int ith) const;
     /// The corner of neighbour ith that lies opposite the shared facet. Without neighbour: null if
     /// that is allowed, else an error and VarnException.
@@ -98,7 +99,8 @@ class VARN3D_EXPORT Tet3 {
 
     /// The handle of facet ith.
     Facet3 getFacet(int ith);
-    /// The corners of facet opp3, counter-clockwise seen from outside (see the drawing).
+    /// The corners of facet opp3, counter-clockwise seen from outside (see the drawing). Mind that
+    /// `getEdgeIndices` and `Facet3::getIntraTetIndex` go round clockwise.
     void getFacetIndices(int opp3, int& a, int& b, int& c) const;
     /// The handle of the edge without these two corners, which must differ.
     Edge3 getEdge(int opp3ICI, int opp2ICI);
@@ -128,8 +130,8 @@ class VARN3D_EXPORT Tet3 {
     std::int32_t customIndex = -1;
 };
 
-/// Prints label, address, visited mark and orientation, then a line for each corner with the
-/// neighbour opposite.
+/// Prints label, address, visited mark and exact orientation ("none" while a corner is null), then
+/// a line for each corner with the neighbour opposite.
 VARN3D_EXPORT std::ostream& operator<<(std::ostream& out, const Tet3& tet);
 
 }  // namespace VARN3D

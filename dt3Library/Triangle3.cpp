@@ -51,6 +51,7 @@ int Triangle3::getIntraTriangleIndex(Point3* p1, Point3* p2) const {
 }
 
 Point3 Triangle3::getBarycenter() const {
+    for (const Point3* corner : aCorners) varnAssertText(corner != nullptr, "corner!=NULL");
     return Point3((aCorners[0]->x() + aCorners[1]->x() + aCorners[2]->x()) / 3,
                   (aCorners[0]->y() + aCorners[1]->y() + aCorners[2]->y()) / 3,
                   (aCorners[0]->z() + aCorners[1]->z() + aCorners[2]->z()) / 3);
@@ -61,8 +62,9 @@ std::ostream& operator<<(std::ostream& out, const Triangle3& triangle) {
     for (int i = 0; i < 3; ++i) {
         const Point3* corner = triangle.getCorner(i);
         const Triangle3* neig = triangle.getNeig(i);
-        out << "ith=" << i << ", vertex (" << static_cast<const void*>(corner) << "): " << *corner
-            << "  oppTet=" << static_cast<const void*>(neig) << (neig == nullptr ? " (NULL)" : "")
+        out << "ith=" << i << ", vertex (" << static_cast<const void*>(corner) << "): ";
+        if (corner != nullptr) out << *corner;
+        out << "  oppTet=" << static_cast<const void*>(neig) << (neig == nullptr ? " (NULL)" : "")
             << std::endl;
     }
     return out;

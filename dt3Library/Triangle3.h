@@ -28,7 +28,7 @@ class VARN3D_EXPORT Triangle3 {
     /// lines on standard error if that is no edge.
     int getIntraTriangleIndex(Point3* p1, Point3* p2) const;
 
-    /// The mean of the corners.
+    /// The mean of the corners, none of which may be null: VarnException.
     Point3 getBarycenter() const;
 
   private:
@@ -36,7 +36,8 @@ class VARN3D_EXPORT Triangle3 {
     Triangle3* aNeigs[3] = {};
 };
 
-/// Prints a line for each corner with its address, its coordinates and the neighbour opposite.
+/// Prints a line for each corner with its address, its coordinates (nothing for null) and the
+/// neighbour opposite.
 VARN3D_EXPORT std::ostream& operator<<(std::ostream& out, const Triangle3& triangle);
 
 }  // namespace VARN3D

@@ -1,31 +1,12 @@
 #include "dt3Library/Varn_3D.h"
 
-#include <new>
 #include <utility>
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/engine/hostCalls.h"
 #include "dt3Library/engine/star.h"
-#include "dt3Library/predicates/FloatingPointScope.h"
-#include "dt3Library/tools.h"
 
 namespace VARN3D {
-
-namespace {
-
-/// Runs an operation of the engine under the library's own floating-point settings; memory that
-/// runs out is reported before the exception goes on to the host.
-template <class Operation>
-auto guarded(const char* who, Operation operation) {
-    const FloatingPointScope scope;
-    try {
-        return operation();
-    } catch (const std::bad_alloc&) {
-        printError(who, "Out of memory");
-        throw;
-    }
-}
-
-}  // namespace
 
 Varn_3D::Varn_3D() : pDt3(std::make_unique<Dt3>()) {}
 

@@ -14,6 +14,7 @@
 #include "dt3Library/IndexedMesh.h"
 #include "dt3Library/Iterators.h"
 #include "dt3Library/Point3.h"
+#include "dt3Library/PointLocator.h"
 #include "dt3Library/Segment3.h"
 #include "dt3Library/Tet3.h"
 #include "dt3Library/Triangle3.h"
@@ -47,6 +48,11 @@ class Dt3;
 /// insertion, but that of coordinates that are not finite, vertices can still be read; but for
 /// that, the object can only be destroyed. Used by one thread at a time; different objects may be
 /// used by different threads.
+///
+/// What ends the host's process: a file that can't be opened, in `show` and where `checkValidity`
+/// dumps a fault, and two misuses of a `Tet3` (exit code 1, see there); and tetrahedra so damaged
+/// by the host that an operation has none to begin at (an access fault, after a line with the
+/// reason).
 class VARN3D_EXPORT Varn_3D {
   public:
     /// A triangulation without points.
@@ -157,7 +163,8 @@ class VARN3D_EXPORT Varn_3D {
     void print(const std::string& label);
 
     /// Writes all tetrahedra to a file in Geomview's OOGL format, and marks pVertex unless it is
-    /// null. A file that can't be opened ends the process with exit code 1. O(n).
+    /// null. Coordinates have 6 digits: a look at the mesh, not the mesh. A file that can't be
+    /// opened ends the process with exit code 1; a write error goes unnoticed. O(n).
     void show(const std::string& filename, Point3* pVertex);
 
     /// Whether batch insertion announces itself on standard output; false at first. Warnings and
@@ -165,6 +172,8 @@ class VARN3D_EXPORT Varn_3D {
     void setVerbosity(bool bVerbose);
 
   private:
+    friend class PointLocator;
+
     Dt3& engine() const;
 
     std::unique_ptr<Dt3> pDt3;

@@ -5,9 +5,9 @@
 
 namespace VARN3D {
 
-Vector3 Vector3::unit() const {
-    const double length = std::sqrt(xx * xx + yy * yy + zz * zz);
-    if (length > 0.0) return Vector3(xx / length, yy / length, zz / length);
+Vector3 normalize(const Vector3& v) {
+    const double length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
+    if (length > 0.0) return Vector3(v.x / length, v.y / length, v.z / length);
     std::cout << "warning: normalize(const Vector3& other), Null length vector!" << std::endl;
     return Vector3();
 }

@@ -9,30 +9,21 @@ namespace VARN3D {
 class VARN3D_EXPORT Vector3 {
   public:
     /// The null vector.
-    Vector3() : Vector3(0.0, 0.0, 0.0) {}
+    Vector3() = default;
     /// The vector (x, y, z).
-    Vector3(double x, double y, double z) : xx(x), yy(y), zz(z) {}
+    Vector3(double theX, double theY, double theZ) : x(theX), y(theY), z(theZ) {}
 
     /// @{
-    /// A component.
-    double x() const { return xx; }
-    double y() const { return yy; }
-    double z() const { return zz; }
+    /// A component, in the unit of the points' coordinates.
+    double x = 0.0;
+    double y = 0.0;
+    double z = 0.0;
     /// @}
-
-  private:
-    friend Vector3 normalize(const Vector3& v);
-    Vector3 unit() const;
-
-    double xx;
-    double yy;
-    double zz;
 };
 
 /// v scaled to length 1. A vector of length 0 gives (0, 0, 0) and a warning line on standard
-/// output.
-inline Vector3 normalize(const Vector3& v) {
-    return v.unit();
-}
+/// output. The square of the length must be within a double's range: components below 1e-162 count
+/// as 0, and one above 1e154 gives (0, 0, 0) without a line.
+VARN3D_EXPORT Vector3 normalize(const Vector3& v);
 
 }  // namespace VARN3D

@@ -136,7 +136,7 @@ void Visualizer3::writeBall(const Point3& centre, double squaredRadius) {
 }
 
 std::string Visualizer3::getColorAt(int cursor) {
-    if (cursor < NUM_CYCLED_COLORS) return colorArray[cursor];
+    if (cursor >= 0 && cursor < NUM_CYCLED_COLORS) return colorArray[cursor];
     std::cout << "Attention, returning colorArray[13] which is the last available color"
               << std::endl;
     return colorArray[NUM_CYCLED_COLORS - 1];

@@ -43,6 +43,9 @@ enum Color3 {
 
 /// Writes shapes to a file in Geomview's OOGL text format, one list of objects.
 ///
+/// Numbers are written with 6 digits. Only that the file opens is checked: a disk that fills up
+/// leaves a shorter file.
+///
 /// Colours are OOGL texts of four numbers (red, green, blue, alpha). The cursor that hands out the
 /// palette's first fourteen in turn is shared by the whole process. A file that can't be opened is
 /// reported on standard output and ends the process with code 1.
@@ -69,8 +72,8 @@ class Visualizer3 {
     void writeTet(const Tet3* c, const std::string& color);
     void writeBall(const Point3& centre, double squaredRadius);
 
-    /// The colour at a position of the cursor, 0 to 13. Past the end it prints a line and stays
-    /// with the last of these colours.
+    /// The colour at a position of the cursor, 0 to 13. For any other it prints a line and
+    /// gives the last of these colours.
     static std::string getColorAt(int cursor);
     /// The colour at the cursor.
     static std::string getColor();

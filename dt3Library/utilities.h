@@ -15,7 +15,9 @@ namespace VARN3D {
 VARN3D_EXPORT double timer(const std::string& name);
 
 /// Appends num uniformly distributed numbers to out, in [min, max). The same seed gives the same
-/// numbers; seed 0 takes the time and gives other numbers with each call. Unless min < max, a
+/// numbers; seed 0 takes the time and gives other numbers with each call, after as many
+/// further seedings as there were such calls before: thousands of calls should draw their seeds
+/// themselves. Unless min < max, a
 /// failed check and VarnException. Uses, and seeds, the C library's `rand`, which all threads of
 /// the process share.
 VARN3D_EXPORT void generateRandomNumbers(std::uint64_t num, double min, double max,

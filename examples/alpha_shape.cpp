@@ -38,7 +38,7 @@ std::vector<Point3> pointsOnTorus(int around, int across) {
 }
 
 double squaredLength(const Vector3& v) {
-    return v.x() * v.x() + v.y() * v.y() + v.z() * v.z();
+    return v.x * v.x + v.y * v.y + v.z * v.z;
 }
 
 /// The facets between a tetrahedron of a circumradius up to alpha and one that isn't, or none.

@@ -20,9 +20,7 @@ namespace {
 double triangleArea(const Point3& p, const Point3& q, const Point3& r) {
     const Vector3 a = q - p;
     const Vector3 b = r - p;
-    return std::hypot(a.y() * b.z() - a.z() * b.y(), a.z() * b.x() - a.x() * b.z(),
-                      a.x() * b.y() - a.y() * b.x()) /
-           2;
+    return std::hypot(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x) / 2;
 }
 
 }  // namespace
@@ -46,7 +44,7 @@ int main() {
         const double facetArea = triangleArea(point(a), point(b), point(c));
         area += facetArea;
         // The corners run counter-clockwise seen from outside, so the normal points outwards.
-        if (getNormalVector(point(a), point(b), point(c)).z() > 0) roofArea += facetArea;
+        if (getNormalVector(point(a), point(b), point(c)).z > 0) roofArea += facetArea;
     }
     std::cout << hullVertices.size() << " of " << points.size() << " points on the hull, "
               << indexed.hull.size() << " facets, area " << area << ", roof " << roofArea << "\n";

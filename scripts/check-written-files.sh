@@ -3,7 +3,8 @@
 # Gmsh (.mesh, .vtk, .ply), TetGen (.node, .ele, .face; it also finds the .neigh that it would write),
 # F3D with VTK's readers (.vtk, .vtu, .ply, .obj), meshio (all of them). They must find as many
 # vertices, cells and facets as varn3d, the same volume, no fault in the files, and TetGen must find
-# the mesh consistent and Delaunay. Builds varn3d and installs what is missing (Debian); if the
+# the mesh consistent and Delaunay. What TetGen and meshio write of these points must make the same
+# mesh. Builds varn3d and installs what is missing (Debian); if the
 # PROGRAM is named it does neither, and ends with 77 when one of the tools is missing.
 set -eu
 
@@ -67,6 +68,7 @@ with_tetgen() {
     awk 'NR > 1 && !/#/ { print $2, $3, $4, $5 }' plain.1.neigh >theirs
     awk 'NR > 1 { print $2, $3, $4, $5 }' mesh.neigh | cmp - theirs >said 2>&1 ||
         fail "finds other neighbours"
+    reads_the_same plain.1.node
     boundary plain.1.face >theirs
     boundary mesh.face | cmp - theirs >said 2>&1 || fail "finds other facets"
 }
@@ -85,7 +87,7 @@ with_f3d() {
         says "Number of points: $points\$"
         says "Number of cells: $tets\$"
         says "firstEqual : int"
-        says "number : double : \[1, $points\]"
+        says "n_mber : double : \[1, $points\]"
     done
     for file in hull.ply ascii.ply; do
         timeout 300 f3d $file --verbose --no-render >said 2>&1 || fail "fails"
@@ -110,7 +112,7 @@ for name in ["mesh.vtk", "ascii.vtk", "mesh.vtu", "mesh.mesh", "mesh.ele"]:
     assert (len(mesh.points), len(corners)) == (points, tets), name
     volumes.append(numpy.linalg.det(edges).sum())
     if name[-3:-1] == "vt":
-        assert (mesh.point_data["number"].ravel() == range(1, points + 1)).all(), name
+        assert (mesh.point_data["n_mber"].ravel() == range(1, points + 1)).all(), name
 for name in ["hull.ply", "ascii.ply", "hull.obj"]:
     mesh = meshio.read(name)
     corners = mesh.points[mesh.cells[0].data] - mesh.points[0]
@@ -118,7 +120,25 @@ for name in ["hull.ply", "ascii.ply", "hull.obj"]:
     if not clipped:
         volumes.append(numpy.linalg.det(corners).sum())
 assert min(volumes) > 0.999999 * max(volumes) > 0, volumes
+mesh = meshio.read("mesh.vtu")
+mesh.point_data = {"number": mesh.point_data["n_mber"].ravel()}
+meshio.write("theirs.node", mesh)
+mesh.cells = [meshio.CellBlock("triangle", numpy.array([[0, 1, 2]]))]
+for name in ["ascii", "binary"]:
+    meshio.write(f"theirs-{name}.ply", mesh, binary=name == "binary")
+mesh.point_data = {}
+for name in ["theirs.obj", "theirs.off"]:
+    meshio.write(name, mesh)
 END
+    reads_the_same theirs.node theirs-ascii.ply theirs-binary.ply theirs.obj theirs.off
+}
+# Whether files that others have written of the points make the same mesh.
+reads_the_same() {
+    head -n 4 summary >ours
+    for file in "$@"; do
+        "$varn3d" "$file" >said 2>&1 || fail "writes a $file that isn't read"
+        head -n 4 said | cmp -s - ours || fail "writes a $file that makes another mesh"
+    done
 }
 
 # have TOOL: whether it is installed.
@@ -133,7 +153,8 @@ have() {
 # read_by_all NAME POINTS DELAUNAY [OPTION...]: DELAUNAY is what TetGen must say.
 read_by_all() {
     name=$1 delaunay=$3
-    grep -v '#' "$2" | awk '{ print $0, NR }' | sed '1s/^/# x y z number\n/' >numbered.xyz
+    # A column's name in Latin 1 must not make the XML unreadable.
+    grep -v '#' "$2" | awk '{ print $0, NR }' | sed '1s/^/# x y z n\xfcmber\n/' >numbered.xyz
     shift 3
     "$varn3d" numbered.xyz --medit mesh.mesh --tetgen mesh --vtk mesh.vtk --hull hull.ply "$@" >summary
     "$varn3d" numbered.xyz --quiet --ascii --vtk ascii.vtk --hull ascii.ply "$@"

@@ -137,6 +137,9 @@ TEST_F(MeshHandles, IndicesAreChecked) {
         EXPECT_THAT(failureOf([&] { facet.getIntraTetIndex(ith); }), report);
         EXPECT_THAT(failureOf([&] { facet.getEdge(ith); }), report);
     }
+    for (const int opp3 : {-1, 4})
+        EXPECT_THAT(failureOf([&] { tet->getFacet(opp3); }),
+                    support::endsInCheck("", "range03(opp3)", "dt3Library/Facet3.cpp"));
     const std::pair<int, int> noEdges[] = {{4, 0}, {0, 4}, {-1, 0}, {0, -1}, {2, 2}};
     for (const auto& [opp3, opp2] : noEdges)
         EXPECT_THAT(failureOf([&, i = opp3, j = opp2] { Edge3(tet, i, j); }),

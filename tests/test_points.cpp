@@ -98,14 +98,14 @@ TEST(Vector3, NormalsAndTheirWarnings) {
     for (const auto& row : rows) {
         Vector3 normal(9, 9, 9);
         EXPECT_EQ(outputOf([&] { normal = getNormalVector(row.p0, row.p1, row.p2); }), row.output);
-        EXPECT_EQ(normal.x(), 0.0);
-        EXPECT_EQ(normal.y(), 0.0);
-        EXPECT_EQ(normal.z(), row.z);
+        EXPECT_EQ(normal.x, 0.0);
+        EXPECT_EQ(normal.y, 0.0);
+        EXPECT_EQ(normal.z, row.z);
     }
     const Vector3 unit = normalize(Vector3(2, -3, 6));
-    EXPECT_DOUBLE_EQ(unit.x(), 2.0 / 7.0);
-    EXPECT_DOUBLE_EQ(unit.y(), -3.0 / 7.0);
-    EXPECT_DOUBLE_EQ(unit.z(), 6.0 / 7.0);
+    EXPECT_DOUBLE_EQ(unit.x, 2.0 / 7.0);
+    EXPECT_DOUBLE_EQ(unit.y, -3.0 / 7.0);
+    EXPECT_DOUBLE_EQ(unit.z, 6.0 / 7.0);
 }
 
 TEST(Bbox3, GrowsAndTellsWhetherItDid) {
@@ -172,6 +172,10 @@ TEST(Triangle3, CornersNeighboursAndOutput) {
                                  ::testing::HasSubstr("ith=1, vertex (" + printed(&b) +
                                                       "): " + printed(b) + "  oppTet=0 (NULL)"),
                                  ::testing::HasSubstr("  oppTet=" + printed(&other))));
+    const Triangle3 incomplete(&a, &b, nullptr);
+    EXPECT_THAT(printed(incomplete), ::testing::EndsWith("ith=2, vertex (0):   oppTet=0 (NULL)\n"));
+    EXPECT_THAT(support::failureOf([&] { incomplete.getBarycenter(); }),
+                support::endsInCheck("", "corner!=NULL", "dt3Library/Triangle3.cpp"));
 
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(triangle.getIntraTriangleIndex(&d), -999);

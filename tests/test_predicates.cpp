@@ -60,6 +60,10 @@ void expectExact(FivePoints points) {
     ASSERT_EQ(predicates.areCollinear(&a, &b, &c), exactlyCollinear(a, b, c)) << describe(points);
     expectNoStageErrs<predicateStages::Orientation>(
         {{&a, &b, &c, &d}}, predicates.getConstants().o3derrboundA, -orientation);
+    const int order = exactDistanceOrder(a, b, e);
+    ASSERT_EQ(predicates.compareDistances(&a, &b, &e), order) << describe(points);
+    expectNoStageErrs<predicateStages::DistanceOrder>(
+        {{&a, &b, &e}}, predicateStages::DISTANCE_FILTER_BOUND, order);
     if (orientation == 0) return;
 
     if (orientation < 0) std::swap(a, b);
@@ -69,6 +73,7 @@ void expectExact(FivePoints points) {
     ASSERT_EQ(predicates.sphereInclusionTest(&scratchTet(), &e),
               inside > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE)
         << describe(points);
+    ASSERT_EQ(predicates.isOnSphere(&scratchTet(), &e), inside == 0) << describe(points);
     expectNoStageErrs<predicateStages::Sphere>({{&a, &b, &c, &d, &e}},
                                                predicates.getConstants().isperrboundA, -inside);
     if (testing::Test::HasFailure()) FAIL() << describe(points);

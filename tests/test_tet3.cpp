@@ -14,6 +14,10 @@
 #include "dt3Library/base/MeshAccess.h"
 #include "tests/support/Failures.h"
 
+#if defined(__SSE2__)
+#include <xmmintrin.h>
+#endif
+
 using namespace VARN3D;
 using support::failureOf;
 using support::outputOf;
@@ -119,6 +123,7 @@ TEST_F(Tets, CornersAreFoundByAddressOrCoordinates) {
         EXPECT_TRUE(tet->hasVertex(copy));
     }
     EXPECT_FALSE(tet->hasVertex(p[4]));
+    EXPECT_FALSE(makeTet()->hasVertex(p[0]));  // without corners
     EXPECT_TRUE(tet->getCircumcenter() == Point3(1, 1, 1));
     tet->setCorner(3, &p[4]);
     EXPECT_EQ(p[4].getOneTet(), stranger.get());
@@ -165,6 +170,19 @@ TEST_F(Tets, Output) {
     EXPECT_THAT(printed(*makeTet()), HasSubstr("ith=3, vertex (0):   oppTet=0 (NULL)\n"));
 }
 
+#if defined(__SSE2__)
+TEST_F(Tets, OutputIsExactWhileTheHostFlushesDenormals) {
+    for (int i = 1; i < 4; ++i)
+        p[i].exchange(i == 1 ? 1e-310 : 0, i == 2 ? 1e-310 : 0, i == 3 ? 1e-310 : 0);
+    const unsigned hostControl = _mm_getcsr();
+    _mm_setcsr(hostControl | 0x8040U);
+    const std::string output = printed(*tet);
+    EXPECT_EQ(_mm_getcsr() & 0x8040U, 0x8040U);
+    _mm_setcsr(hostControl);
+    EXPECT_THAT(output, HasSubstr("ownOri=ORI3_ORIENTATION3_POSITIVE\n"));
+}
+#endif
+
 TEST_F(Tets, FailedChecksNameTheirCondition) {
     int a;
     const struct {
@@ -185,6 +203,8 @@ TEST_F(Tets, FailedChecksNameTheirCondition) {
         {[&] { tet->getIntraTetIndexInOppTetForReg(tet.get(), 4); }, "", "false"},
         {[&] { tet->getOppVtxInOppTet(2, false); },
          "\n      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet\n\n", "false"},
+        {[&] { tet->getIntraTetIndexInOppTet(2); }, "", "pOpp!=NULL"},
+        {[] { makeTet()->getCircumcenter(); }, "", "corner!=NULL"},
         {[&] { tet->getEdge(2, 2); }, "\n      Tet3::getEdge(), ERROR: opp3ICI==opp2ICI=2\n\n",
          "opp3ICI!=opp2ICI"},
         {[&] { tet->setOppTet(7, tet.get()); },

@@ -12,8 +12,8 @@
 #include "tests/support/MeshDigest.h"
 #include "tests/support/PointSets.h"
 
-// One engine a thread: they share nothing but what is made for it. Run under the thread sanitizer
-// as well.
+// One engine a thread: they share nothing but what is made for it. Or one mesh at rest for all. Run
+// under the thread sanitizer as well.
 
 namespace {
 
@@ -70,6 +70,34 @@ TEST(Threads, EightEnginesDoNotDisturbEachOther) {
     }
     std::cout.rdbuf(previous);
     EXPECT_EQ(labels.size(), total) << "labels are unique in the process";
+}
+
+/// What a locator says of points inside the hull and outside.
+std::vector<const void*> answersOf(const Varn_3D& mesh) {
+    VARN3D::PointLocator locator(mesh);
+    std::vector<const void*> answers;
+    std::vector<Tet3*> region;
+    for (const Point3& p : support::uniform(500, 3, -0.5, 1.5)) {
+        answers.push_back(locator.nearestVertex(p));
+        const VARN3D::Location location = locator.locate(p);
+        if (location.kind == VARN3D::LocationKind::Inside) answers.push_back(location.tet);
+        locator.conflictRegion(p, region);
+    }
+    std::sort(region.begin(), region.end());
+    answers.insert(answers.end(), region.begin(), region.end());
+    return answers;
+}
+
+TEST(Threads, LocatorsOfOneMeshDoNotDisturbEachOther) {
+    Varn_3D mesh;
+    mesh.insert(support::uniform(2000, 1));
+    const std::vector<const void*> expected = answersOf(mesh);
+    std::vector<std::vector<const void*>> together(2);
+    std::vector<std::thread> threads;
+    for (std::vector<const void*>& answers : together)
+        threads.emplace_back([&answers, &mesh] { answers = answersOf(mesh); });
+    for (std::thread& thread : threads) thread.join();
+    for (const std::vector<const void*>& answers : together) EXPECT_EQ(answers, expected);
 }
 
 }  // namespace

@@ -77,8 +77,9 @@ TEST(Visualizer3, FirstFourteenColoursTakeTurns) {
             EXPECT_EQ(Visualizer3::getNextColor(), Visualizer3::colorArray[i]);
         }
     EXPECT_EQ(Visualizer3::getColorAt(13), "1 1 1 0.5");
-    EXPECT_EQ(outputOf([] { EXPECT_EQ(Visualizer3::getColorAt(14), "1 1 1 0.5"); }),
-              "Attention, returning colorArray[13] which is the last available color\n");
+    for (const int none : {14, -1})
+        EXPECT_EQ(outputOf([=] { EXPECT_EQ(Visualizer3::getColorAt(none), "1 1 1 0.5"); }),
+                  "Attention, returning colorArray[13] which is the last available color\n");
 }
 
 TEST(Visualizer3, NumbersHaveAPointInEveryLocale) {

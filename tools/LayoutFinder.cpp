@@ -109,7 +109,23 @@ std::string LayoutFinder::ambiguityOf(const Reading& best) const {
             return asFound + asOther + " it is " + shown(other.xyz);
         }
     }
+    if (best.layout.names.empty() && !wanted && hasDecimalCommas()) {
+        return asFound + "; decimal commas are not read (--columns 1,2,3 says there are none)";
+    }
     return proseAgainst(best.layout);
+}
+
+/// Whether the row is like "0,5, 1,5, 2,5", which is neither six numbers nor three for certain.
+bool LayoutFinder::hasDecimalCommas() const {
+    std::vector<std::string_view> words;
+    cut(row, Separator::blanks, words);
+    for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+        if (words[i].empty() || words[i].back() != ',') {
+            return false;
+        }
+        words[i].remove_suffix(1);
+    }
+    return words.size() > 2 && std::any_of(words.begin(), words.begin() + 3, hasDecimalComma);
 }
 
 /// A comment that names x, y and z but doesn't fit the row is prose; unless it might be a header

@@ -50,6 +50,7 @@ class LayoutFinder {
     bool namesAxes(Separator separator) const;
     /// What speaks against taking this reading, or nothing.
     std::string ambiguityOf(const Reading& best) const;
+    bool hasDecimalCommas() const;
     std::string proseAgainst(const TextLayout& layout) const;
     std::string problemOfAll() const;
 

@@ -53,6 +53,10 @@ void refuseForeign(std::string_view content, const std::string& fileName) {
             throw InputError(fileName, std::string(other.name) + "; " + readableFormats);
         }
     }
+    if (content.substr(0, 16).find('\0') != std::string_view::npos) {
+        throw InputError(fileName,
+                         std::string("binary data, or text in UTF-16; ") + readableFormats);
+    }
 }
 
 PointFormat formatOf(std::string_view content, const std::string& fileName) {

@@ -24,14 +24,14 @@ int axisNamed(std::string_view name) {
     return found == std::string_view::npos ? -1 : static_cast<int>(found % 3);
 }
 
+}  // namespace
+
 bool hasDecimalComma(std::string_view text) {
     const std::size_t comma = text.find(',');
     double ignored = 0;
     return comma != std::string_view::npos && !parseNumber(text.substr(0, comma), ignored) &&
            !parseNumber(text.substr(comma + 1), ignored);
 }
-
-}  // namespace
 
 std::optional<AxisColumns> findAxes(std::string_view line, Separator separator) {
     AxisColumns axes = {};

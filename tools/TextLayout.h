@@ -18,6 +18,9 @@ using AxisColumns = std::array<std::size_t, 3>;
 /// and be followed by a unit in brackets.
 std::optional<AxisColumns> findAxes(std::string_view line, Separator separator);
 
+/// Whether the text is a number with a comma for its decimal sign, or two numbers with one between.
+bool hasDecimalComma(std::string_view text);
+
 /// How the lines of a text are cut into columns, and which of these are x, y and z.
 struct TextLayout {
     using Columns = std::vector<std::string_view>;

@@ -34,6 +34,29 @@ bool isNumber(std::string_view text) {
     return !problem || problem != std::string_view(" is not a number");
 }
 
+/// The column in which the positions of atoms begin, counted from 0, where a text such as
+/// "Properties=species:S:1:pos:R:3" tells.
+std::optional<std::size_t> positionColumn(std::string_view text) {
+    const std::string_view key = "Properties=";
+    text.remove_prefix(std::min(text.find(key), text.size()));
+    text.remove_prefix(std::min(key.size(), text.size()));
+    std::string_view rest = takeWord(text);
+    const auto takeField = [&rest] {
+        const std::string_view field = rest.substr(0, rest.find(':'));
+        rest.remove_prefix(std::min(field.size() + 1, rest.size()));
+        return field;
+    };
+    std::uint64_t column = 0;
+    for (std::uint64_t count = 0; !rest.empty(); column += count) {
+        const bool bPosition = takeField() == "pos";
+        takeField();
+        if (!parseCount(takeField(), count) || bPosition) {
+            return bPosition && count == 3 ? std::optional<std::size_t>(column) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 PointSet TextReader::read() {
@@ -94,8 +117,8 @@ std::string_view TextReader::takeHead() {
         promisingLine = lines.lineNumber();
         row = takeRowAfterCount();
     }
-    const bool bChosen =
-        options.columns && !LayoutFinder({}, row, lines.lineNumber(), options.columns).fits();
+    const bool bChosen = !bHeadTaken && options.columns &&
+                         !LayoutFinder({}, row, lines.lineNumber(), options.columns).fits();
     if (namesAxes(row) || bChosen) {
         header = TextHeader{row, lines.lineNumber(), false};
         row = nextRow(row) ? row : std::string_view();
@@ -128,11 +151,13 @@ std::string_view TextReader::takeFirstAtom() {
     if (options.columns || columns.size() < 4) {
         return row;
     }
-    if (isNumber(columns[0])) {
+    const std::optional<std::size_t> first = positionColumn(text);
+    bAtoms = !isNumber(columns[0]);
+    if (!bAtoms && !first) {
         fail("columns 1, 2, 3, or 2, 3, 4 behind an element's number? --columns tells which");
     }
-    bAtoms = true;
-    options.columns = AxisColumns{1, 2, 3};
+    const std::size_t x = first.value_or(1);
+    options.columns = AxisColumns{x, x + 1, x + 2};
     return row;
 }
 
@@ -171,7 +196,8 @@ void TextReader::refuseAnythingElse(std::string_view row) const {
     }
     if (!bNumberFirst && !header && !options.columns) {
         fail(quoted(trimmed(row)) +
-             " is neither a point nor names columns x, y and z (--columns tells which to take); " +
+             " is neither a point nor names columns x, y and z once each (--columns tells which to "
+             "take); " +
              readableFormats);
     }
 }

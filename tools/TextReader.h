@@ -17,7 +17,8 @@ namespace tool {
 /// "#" at the beginning of a line or after a blank begins a comment, and so does "//" at the
 /// beginning of a line; empty lines are skipped. The first line, or a comment before it, may name
 /// the columns. A first line with a single whole number tells how many points follow (.pts); in
-/// files of molecules (.xyz) a line of text comes after it, and each point after an element.
+/// files of molecules (.xyz) a line of text comes after it, and each point after an element, or
+/// where "Properties=" in that line says.
 class TextReader : public PointReader {
   public:
     using PointReader::PointReader;

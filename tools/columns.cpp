@@ -32,9 +32,12 @@ std::size_t skipBlanks(std::string_view line, std::size_t at, Separator separato
 
 std::size_t findEnd(std::string_view line, std::size_t begin, Separator separator) {
     std::size_t at = begin;
-    if (at < line.size() && line[at] == '"') {
-        const std::size_t closing = line.find('"', at + 1);
-        at = closing == std::string_view::npos ? at : closing + 1;
+    // A quote within quotes is doubled: then one quoted text follows upon the other.
+    for (std::size_t closing = begin; at < line.size() && line[at] == '"'; at = closing + 1) {
+        closing = line.find('"', at + 1);
+        if (closing == std::string_view::npos) {
+            break;
+        }
     }
     while (at < line.size() && !separates(line[at], separator)) {
         ++at;

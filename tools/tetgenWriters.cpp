@@ -4,27 +4,34 @@
 
 namespace tool {
 
-void writeTetgenNodes(const IndexedMesh& mesh, OutputFile& file) {
-    file.writeNumber(mesh.points.size());
-    file.write(" 3 0 0\n");
-    for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+namespace {
+
+/// What these files have in common: a line that begins with a count, then so many numbered lines.
+template <class WriteLine>
+void writeNumbered(std::size_t count, std::string_view behindCount, OutputFile& file,
+                   const WriteLine& writeLine) {
+    file.writeNumber(count);
+    file.write(behindCount);
+    for (std::size_t i = 0; i < count; ++i) {
+        file.write("\n");
         file.writeNumber(i);
         file.write(" ");
-        writeCoordinates(mesh.points[i], file);
-        file.write("\n");
+        writeLine(i);
     }
+    file.write("\n");
+}
+
+}  // namespace
+
+void writeTetgenNodes(const IndexedMesh& mesh, OutputFile& file) {
+    writeNumbered(mesh.points.size(), " 3 0 0", file,
+                  [&](std::size_t i) { writeCoordinates(mesh.points[i], file); });
     writeDuplicateComments(mesh, 0, file);
 }
 
 void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file) {
-    file.writeNumber(mesh.tetrahedra.size());
-    file.write(" 4 0\n");
-    for (std::size_t i = 0; i < mesh.tetrahedra.size(); ++i) {
-        file.writeNumber(i);
-        file.write(" ");
-        writeCorners(mesh.tetrahedra[i], 0, file);
-        file.write("\n");
-    }
+    writeNumbered(mesh.tetrahedra.size(), " 4 0", file,
+                  [&](std::size_t i) { writeCorners(mesh.tetrahedra[i], 0, file); });
 }
 
 void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file) {
@@ -36,28 +43,18 @@ void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, Outpu
             }
         }
     }
-    file.writeNumber(facets.size());
-    file.write(" 0\n");
-    for (std::size_t i = 0; i < facets.size(); ++i) {
-        file.writeNumber(i);
-        file.write(" ");
-        writeCorners(facets[i], 0, file);
-        file.write("\n");
-    }
+    writeNumbered(facets.size(), " 0", file,
+                  [&](std::size_t i) { writeCorners(facets[i], 0, file); });
 }
 
 void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file) {
-    file.writeNumber(adjacency.size());
-    file.write(" 4\n");
-    for (std::size_t t = 0; t < adjacency.size(); ++t) {
-        file.writeNumber(t);
+    writeNumbered(adjacency.size(), " 4", file, [&](std::size_t t) {
         for (std::size_t corner = 0; corner < 4; ++corner) {
             const std::uint32_t neighbour = adjacency.across(t, corner);
-            file.write(" ");
+            file.write(corner == 0 ? "" : " ");
             file.writeNumber(neighbour == Adjacency::none ? std::int64_t{-1} : neighbour);
         }
-        file.write("\n");
-    }
+    });
 }
 
 }  // namespace tool

@@ -16,14 +16,33 @@ using VARN3D::Point3;
 
 const std::uint8_t vtkTetra = 10;
 
-/// The attributes' names as they can stand in a file: different ones, without blanks.
+/// Whether bytes beyond ASCII come in groups as those of UTF-8 do.
+bool isUtf8(std::string_view text) {
+    int numExpected = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool bContinues = byte >= 0x80 && byte < 0xC0;
+        if (bContinues != (numExpected > 0) || byte > 0xF4) {
+            return false;
+        }
+        const int numFollowing = byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
+        numExpected = bContinues ? numExpected - 1 : numFollowing;
+    }
+    return numExpected == 0;
+}
+
+/// The attributes' names as they can stand in a file: different ones, without blanks, in UTF-8, and
+/// no longer than VTK's readers bear.
 std::vector<std::string> arrayNames(const IndexedMesh& mesh) {
+    const std::size_t longest = 200;
     std::set<std::string> taken = {"firstEqual"};
     std::vector<std::string> names;
     for (const Attribute& attribute : mesh.attributes) {
-        std::string name = attribute.name;
-        const auto isUnwanted = [](unsigned char c) {
-            return c <= ' ' || c == 0x7f || c == '%' || c == '<' || c == '&' || c == '"';
+        std::string name = attribute.name.substr(0, longest);
+        const bool bUtf8 = isUtf8(name);
+        const auto isUnwanted = [bUtf8](unsigned char c) {
+            return c <= ' ' || c == 0x7f || c == '%' || c == '<' || c == '&' || c == '"' ||
+                   (c >= 0x80 && !bUtf8);
         };
         std::replace_if(name.begin(), name.end(), isUnwanted, '_');
         while (!taken.insert(name).second) {

@@ -16,8 +16,10 @@ class Locator {
     /// so, or a check fail.
     WalkEnd locate(const Point3* point, Tet3* start) const;
 
-  private:
+    /// The same by at most so many facet tests. `OnTheWay` means that these were too few.
     WalkEnd walk(const Point3* point, Tet3* start, int maxSteps) const;
+
+  private:
     WalkEnd lookAroundNearestVertex(const Point3& point, Tet3* start) const;
     WalkEnd lookInPlane(const Point3* point, Tet3* tet, int facet) const;
     void checkEntry(const Tet3* tet, int entry, const Point3* point, const FacetSides& sides) const;

@@ -13,7 +13,8 @@ namespace VARN3D {
 /// Storage of all tetrahedra: a pool, and the records that are free to be used again.
 ///
 /// An insertion takes the records of its new tetrahedra before it releases those of the doomed
-/// ones, so these are used again from the next insertion on.
+/// ones, so these are used again from the next insertion on. A record is an object from the time it
+/// leaves the pool, whether it is in use or free.
 class TetRecycler {
   public:
     TetRecycler() { pool.init(); }
@@ -24,7 +25,7 @@ class TetRecycler {
         const std::size_t needed = std::max(vFree.size(), numTaken) + numReleased;
         if (vFree.capacity() < needed) vFree.reserve(2 * needed);
         while (vFree.size() < numTaken) {
-            vFree.push_back(pool.alloc());
+            vFree.push_back(MeshAccess::newRecord(pool.alloc()));
             ++numRecords;
         }
     }

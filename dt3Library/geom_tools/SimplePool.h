@@ -34,6 +34,7 @@ struct SimplePoolTraits<Tet3> {
 /// Hands out slots for objects of type T from a few large blocks, and drops them all at once.
 ///
 /// The slots are raw memory: the caller constructs what it puts there, and nothing is destructed.
+/// (A block from malloc is an array of T without elements as yet, so one may count along it.)
 /// A slot stays where it is until `reset` or the end of the pool; single slots are never freed.
 ///
 /// By the growth rule the second block has half the size of the first, and each further one twice

@@ -36,6 +36,7 @@ struct PredicateCounters {
     std::uint64_t orientation[NUM_PREDICATE_STAGES] = {};
     std::uint64_t sphere[NUM_PREDICATE_STAGES] = {};
     std::uint64_t collinear[NUM_PREDICATE_STAGES] = {};
+    std::uint64_t distance[NUM_PREDICATE_STAGES] = {};
 };
 inline PredicateCounters& predicateCounters() {
     static thread_local PredicateCounters counters;
@@ -75,6 +76,7 @@ constexpr double UNDERFLOW = 0x1p-1000;
 constexpr double ORIENTATION_FILTER_BOUND = (7.0 + 56.0 * 0x1p-53) * 0x1p-53;
 constexpr double SPHERE_FILTER_BOUND = (16.0 + 224.0 * 0x1p-53) * 0x1p-53;
 /// @}
+constexpr double DISTANCE_FILTER_BOUND = 8.0 * 0x1p-53;
 
 /// Shewchuk's 3D orientation of a, b, c against the last point; rows are differences to that point.
 struct Orientation {
@@ -187,6 +189,27 @@ struct Orientation2D {
     template <class Number>
     static auto determinant(const Triple<Number> (&row)[NUM_ROWS]) {
         return row[0].x * row[1].y - row[0].y * row[1].x;
+    }
+};
+
+/// Whether a or b is nearer to the last point: negative where a is.
+///
+/// A difference, its square, and two sums each round once, so each of the two lifts is off by at
+/// most 5 * 2^-53 of itself and a little; the permanent is their sum. Three more units take care of
+/// the determinant's own rounding and the bound's.
+struct DistanceOrder {
+    static constexpr int NUM_ROWS = 2;
+    static constexpr int DEGREE = 2;
+
+    static Estimate estimate(const Triple<double> (&row)[NUM_ROWS]) {
+        const double liftA = lift(row[0]);
+        const double liftB = lift(row[1]);
+        return {liftA - liftB, liftA + liftB, UNDERFLOW};
+    }
+
+    template <class Number>
+    static auto determinant(const Triple<Number> (&row)[NUM_ROWS]) {
+        return lift(row[0]) - lift(row[1]);
     }
 };
 

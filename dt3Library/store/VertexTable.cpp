@@ -6,12 +6,15 @@
 
 namespace VARN3D {
 
-void VertexTable::build(const SimplePool<Point3>& vertices, const Bbox3& box) {
+void VertexTable::build(const SimplePool<Point3>& vertices, const Bbox3& box, std::size_t stride) {
     order.setFrame(box);
     std::vector<Entry> entries;
+    std::size_t next = 0;  // in the present block
     vertices.forEachBlock([&](Point3* first, int used) {
-        for (Point3* vertex = first; vertex != first + used; ++vertex)
-            entries.push_back({order.cellCode(*vertex), vertex});
+        const auto size = static_cast<std::size_t>(used);
+        for (; next < size; next += stride)
+            entries.push_back({order.cellCode(first[next]), first + next});
+        next -= size;
     });
     std::sort(entries.begin(), entries.end(), SpatialOrder::precedes);
 

@@ -23,8 +23,8 @@ class VertexTable {
     };
     static constexpr std::size_t EVERYTHING = std::numeric_limits<std::size_t>::max();
 
-    /// Makes the table anew from all vertices of the pool. O(n log n).
-    void build(const SimplePool<Point3>& vertices, const Bbox3& box);
+    /// Makes the table anew from every `stride`th vertex of the pool. O(n log n) for n of them.
+    void build(const SimplePool<Point3>& vertices, const Bbox3& box, std::size_t stride = 1);
 
     /// Where the point stands or would stand: the first entry that does not precede it.
     Place lowerBound(const Point3& point) const;

@@ -74,6 +74,13 @@ inline int exactInSphere(const VARN3D::Point3& a, const VARN3D::Point3& b, const
     return sgn(mpz_class(exactDot(q, centre) - exactDot(q, q) * volume));
 }
 
+/// -1 if a is nearer to the third point, 1 if b is.
+inline int exactDistanceOrder(const VARN3D::Point3& a, const VARN3D::Point3& b,
+                              const VARN3D::Point3& from) {
+    const auto [toA, toB] = exactDifferences({&from, &a, &b});
+    return sgn(mpz_class(exactDot(toA, toA) - exactDot(toB, toB)));
+}
+
 /// Whether the three points lie on one line.
 inline bool exactlyCollinear(const VARN3D::Point3& a, const VARN3D::Point3& b,
                              const VARN3D::Point3& c) {

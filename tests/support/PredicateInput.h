@@ -127,9 +127,9 @@ inline const std::vector<PredicateInput>& predicateInputs() {
              const VARN3D::Vector3 u = points[1] - points[0];
              const VARN3D::Vector3 v = points[2] - points[0];
              const double i = r.below(4), j = r.below(4);
-             points[3].exchange(points[0].x() + i * u.x() + j * v.x(),
-                                points[0].y() + i * u.y() + j * v.y(),
-                                points[0].z() + i * u.z() + j * v.z());
+             points[3].exchange(points[0].x() + i * u.x + j * v.x,
+                                points[0].y() + i * u.y + j * v.y,
+                                points[0].z() + i * u.z + j * v.z);
              return points;
          }},
         {"boxOfHalvesFarBelowZero",
