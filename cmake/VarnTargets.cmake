@@ -51,3 +51,15 @@ function(varn3d_set_up_library target)
   endif()
   varn3d_strict_warnings(${target})
 endfunction()
+
+# Gives a limit of so many seconds to each test of the present directory that has none of its own, so
+# that one that hangs fails. They take seconds; the limit is for sanitizers and slow machines.
+function(varn3d_limit_tests seconds)
+  get_property(tests DIRECTORY PROPERTY TESTS)
+  foreach(test IN LISTS tests)
+    get_test_property(${test} TIMEOUT limit)
+    if(NOT limit)
+      set_tests_properties(${test} PROPERTIES TIMEOUT ${seconds})
+    endif()
+  endforeach()
+endfunction()

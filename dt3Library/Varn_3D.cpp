@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/engine/hostCalls.h"
 #include "dt3Library/engine/star.h"
 
@@ -99,6 +100,10 @@ void Varn_3D::show(const std::string& filename, Point3* pVertex) {
 
 void Varn_3D::setVerbosity(bool bVerbose) {
     engine().setVerbosity(bVerbose);
+}
+
+void Varn_3D::setMessageStream(std::ostream* pStream) {
+    exchangeMessageStream(pStream);
 }
 
 }  // namespace VARN3D

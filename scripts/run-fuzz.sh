@@ -1,8 +1,9 @@
 #!/bin/sh
 # run-fuzz.sh [SECONDS [TARGET...]]: builds the fuzz targets (mesh, predicates, readers, spheres) with
 # clang, address and undefined-behaviour sanitizers, and runs them side by side for so long (default
-# 60), each starting from its corpus in fuzz/corpus. New inputs, the logs and a failing input are kept
-# in build/fuzz, or in VARN3D_FUZZ_BUILD. Installs what is missing (Debian).
+# 60), each starting from its corpus, fuzz/corpus/TARGET.txt. New inputs, the logs and a failing input
+# are kept in build/fuzz, or in VARN3D_FUZZ_BUILD; scripts/corpus.sh adds inputs to a corpus. Installs
+# what is missing (Debian).
 set -eu
 
 cd "$(dirname -- "$0")/.."
@@ -13,7 +14,7 @@ seconds=${1:-60}
 [ $# -gt 0 ] || set -- mesh predicates readers spheres
 build=${VARN3D_FUZZ_BUILD:-build/fuzz}
 
-install_missing clang make cmake libclang-rt-dev libgmp-dev
+install_missing clang make cmake libclang-rt-dev libgmp-dev perl
 cmake -S . -B "$build" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=Release \
     -DCMAKE_CXX_FLAGS_RELEASE=-O1 -DVARN3D_WERROR=ON -DVARN3D_BUILD_FUZZ=ON \
     -DVARN3D_BUILD_TESTS=OFF -DVARN3D_BUILD_TOOLS=OFF -DVARN3D_BUILD_EXAMPLES=OFF \
@@ -27,9 +28,11 @@ fuzz() {
     length=512
     [ "$1" != readers ] || length=4096
     mkdir -p "$build/corpus-$1"
+    rm -rf "$build/given-$1"
+    scripts/corpus.sh unpack "$1" "$build/given-$1"
     "$build/fuzz/fuzz_$1" -max_total_time="$seconds" -max_len="$length" -timeout=120 \
         -rss_limit_mb=4096 -print_final_stats=1 -artifact_prefix="$build/fuzz_$1-" \
-        "$build/corpus-$1" "fuzz/corpus/$1" >"$build/fuzz_$1.log" 2>&1 && status=0 || status=$?
+        "$build/corpus-$1" "$build/given-$1" >"$build/fuzz_$1.log" 2>&1 && status=0 || status=$?
     echo "fuzz_$1:"
     [ "$status" -eq 0 ] || grep -v -E 'NEW|REDUCE|pulse|RELOAD' "$build/fuzz_$1.log"
     grep DONE "$build/fuzz_$1.log" || true

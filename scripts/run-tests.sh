@@ -1,28 +1,65 @@
 #!/bin/sh
 # run-tests.sh                    builds everything and runs all tests: the preset release
-# run-tests.sh all                everything that must hold, in steps, each of which is a command
-#                                 that the output names; stops at the first that fails
-# run-tests.sh all MINUTES        the same, but no step begins later than that; the output names those
-#                                 left out
+# run-tests.sh quick              the quick set: that, format and layers
+# run-tests.sh all                the full set, everything that must hold
+# run-tests.sh all MINUTES        the same, but no step begins later than that
 # run-tests.sh PRESET...          builds and runs all tests of these presets of CMakePresets.json
 # run-tests.sh PRESET=TEST,...    only these test programs of the preset
-# Installs what is missing (Debian).
+# run-tests.sh together           runs each test program of the preset release as a whole, in the order
+#                                 of the file and shuffled, where the others give a process to each case
+#
+# The steps of a set are commands that the output names. The first that fails ends it; the last line
+# says how many were done, and which were left out. Installs what is missing (Debian).
 set -eu
 
 root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
 cd "$root"
 . scripts/packages.sh
 
-start=$(date +%s)
-step() {
-    begin=$(date +%s)
-    if [ -n "$minutes" ] && [ $((begin - start)) -gt $((60 * minutes)) ]; then
-        echo "== LEFT OUT, more than $minutes minutes have passed: $*"
-        return
+quick_set() {
+    cat <<'END'
+scripts/check-format.sh
+scripts/check-layers.py
+scripts/run-tests.sh release
+END
+}
+
+full_set() {
+    quick_set
+    cat <<'END'
+scripts/run-tests.sh together
+scripts/run-valgrind.sh
+scripts/run-tests.sh thread=test_threads
+scripts/check-static.sh dt3Library/*.cpp dt3Library/*/*.cpp
+scripts/run-tests.sh sanitize=test_insertion,test_location,test_memory,test_mesh_oracle,test_pools,test_predicates,test_spheres,test_store
+scripts/run-fuzz.sh 60
+END
+}
+
+# run_set MINUTES <STEPS: the steps in turn, as long as no more minutes than that have passed.
+run_set() {
+    start=$(date +%s)
+    finished=0
+    left=0
+    left_out=
+    while read -r step; do
+        begin=$(date +%s)
+        if [ -n "$1" ] && [ $((begin - start)) -ge $((60 * $1)) ]; then
+            left=$((left + 1))
+            left_out="$left_out; $step"
+            continue
+        fi
+        echo "== $step"
+        # The steps name files by patterns.
+        sh -c "$step" </dev/null || { echo "FAILED after $finished steps: $step"; return 1; }
+        echo "== $step: $(($(date +%s) - begin)) s"
+        finished=$((finished + 1))
+    done
+    if [ $left -eq 0 ]; then
+        echo "All $finished steps done."
+    else
+        echo "$finished of $((finished + left)) steps done, $left left out after $1 minutes: ${left_out#; }"
     fi
-    echo "== $*"
-    "$@" || { echo "FAILED: $*"; exit 1; }
-    echo "== $*: $(($(date +%s) - begin)) s"
 }
 
 run_preset() {
@@ -43,21 +80,23 @@ run_preset() {
 install_missing g++ clang make cmake libcli11-dev libgtest-dev libgmock-dev libgmp-dev pkg-config \
     dpkg-dev fakeroot file
 [ $# -gt 0 ] || set -- release
-minutes=
-if [ "$1" != all ]; then
-    for preset in "$@"; do
-        run_preset "$preset"
-    done
-    exit
-fi
-
-minutes=${2:-}
-install_missing clang-format clang-tidy cppcheck git libclang-rt-dev valgrind
-step scripts/check-format.sh
-step scripts/run-tests.sh release
-step scripts/run-valgrind.sh
-step scripts/check-static.sh dt3Library/*.cpp dt3Library/*/*.cpp
-step scripts/run-tests.sh thread=test_threads
-step scripts/run-tests.sh sanitize=test_insertion,test_location,test_memory,test_mesh_oracle,test_pools,test_predicates,test_spheres,test_store
-step scripts/run-fuzz.sh 60
-echo "All steps done."
+case $1 in
+    quick)
+        install_missing clang-format git python3
+        quick_set | run_set ''
+        ;;
+    all)
+        install_missing clang-format clang-tidy cppcheck git libclang-rt-dev perl python3 valgrind
+        full_set | run_set "${2:-}"
+        ;;
+    together)
+        cmake --preset release -DVARN3D_BUILD_BENCH=OFF
+        cmake --build --preset release --parallel "$(nproc)"
+        ctest --preset release --parallel "$(nproc)" -C Together -R '^together\.'
+        ;;
+    *)
+        for preset in "$@"; do
+            run_preset "$preset"
+        done
+        ;;
+esac

@@ -62,6 +62,7 @@ class Program {
     void writeGeomview();
     void printSummary() const;
 
+    const LibraryMessages messages;
     Options options;
     Progress progress;
     PointSet input;
@@ -137,7 +138,6 @@ void Program::triangulate() {
         share->store(static_cast<double>(done) / static_cast<double>(total));
         return true;
     });
-    const LibraryMessages messages;
     const auto start = std::chrono::steady_clock::now();
     mesh.insert(input.points, vertexOfPoint);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -150,7 +150,6 @@ void Program::triangulate() {
 
 void Program::check() {
     progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
-    const LibraryMessages messages;
     bValid = mesh.checkValidity(options.input, true);
 }
 
@@ -213,10 +212,7 @@ void Program::writeGeomview() {
     progress.begin("writing " + options.geomview);
     OutputFile& file = files.emplace_back(options.geomview);
     file.close();
-    {
-        const LibraryMessages messages;
-        mesh.show(file.writtenName(), nullptr);
-    }
+    mesh.show(file.writtenName(), nullptr);
     // The library doesn't tell when the disk is full; a complete file ends with a closing brace.
     std::ifstream written(file.writtenName(), std::ios::binary);
     char ending[2] = {};
