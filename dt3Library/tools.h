@@ -43,10 +43,10 @@ inline bool range02(int ith) {
 /// The same under a text of its own, which no formatting of the source can change.
 #define varnAssertText(condition, text) varnAssertAt(condition, text, __FILE__, __LINE__)
 
-/// A check that has failed, with the reason for the exception.
-#define varnFail(reason, text) ::VARN3D::conditionFailed(text, __FILE__, __LINE__, reason)
-
 /// The same where the check has a fixed place: a file and line that name it in every version of
 /// the library, wherever it stands today.
 #define varnAssertAt(condition, text, file, line) \
     ((condition) ? static_cast<void>(0) : ::VARN3D::conditionFailed(text, file, line))
+
+/// A check that has failed, with the reason for the exception.
+#define varnFail(reason, text) ::VARN3D::conditionFailed(text, __FILE__, __LINE__, reason)
