@@ -125,7 +125,7 @@ class Validity : public testing::Test {
     }
 
     std::filesystem::path directory;
-    Dt3 engine{nullptr};
+    Dt3 engine;
     std::vector<Point3*> handles;
     std::vector<Tet3*> tets;
     /// Index of the shared facet in the first tetrahedron.
@@ -137,7 +137,7 @@ TEST_F(Validity, soundMeshesPass) {
     EXPECT_EQ(check(false, true), head(2, false) + PASSED);
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(engine.checkValidity("here", true)); }),
               head(2, true) + PASSED);
-    const Dt3 empty(nullptr);
+    const Dt3 empty;
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true)); }),
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);
 }
@@ -216,7 +216,7 @@ TEST_F(Validity, oneWayLinksEndTheProcess) {
 }
 
 TEST_F(Validity, crossedLinksAreFoundWhereverTheyAre) {
-    Dt3 larger(nullptr);
+    Dt3 larger;
     std::vector<Point3*> largerHandles;
     std::vector<Tet3*> all;
     outputOf([&] { larger.insert(gaussian(12, 1), largerHandles); });
