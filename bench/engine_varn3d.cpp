@@ -12,21 +12,6 @@ namespace bench {
 
 namespace {
 
-/// Keeps what the library prints from the standard output, where the report goes.
-class CapturedOutput {
-  public:
-    CapturedOutput() : previous(std::cout.rdbuf(text.rdbuf())) {}
-    CapturedOutput(const CapturedOutput&) = delete;
-    CapturedOutput& operator=(const CapturedOutput&) = delete;
-    ~CapturedOutput() { std::cout.rdbuf(previous); }
-
-    std::string str() const { return text.str(); }
-
-  private:
-    std::ostringstream text;
-    std::streambuf* previous;
-};
-
 VARN3D::Point3 pointAt(const Position& position) {
     return {position[0], position[1], position[2]};
 }
@@ -137,7 +122,8 @@ const char* const engineName = BENCH_ENGINE_NAME;
 void triangulate(Job& job, Report& report) {
     std::vector<std::vector<VARN3D::Point3>> batches = batchesOf(job);
     job.points.release();
-    const CapturedOutput output;
+    std::ostringstream messages;
+    VARN3D::Varn_3D::setMessageStream(&messages);
     try {
         const Measurement measurement;
         VARN3D::Varn_3D mesh;
@@ -149,7 +135,8 @@ void triangulate(Job& job, Report& report) {
     } catch (const VARN3D::VarnException&) {
         report.reject("VarnException");
     }
-    if (!report.valid) std::cerr << output.str();
+    VARN3D::Varn_3D::setMessageStream(&std::cout);
+    if (!report.valid) std::cerr << messages.str();
 }
 
 }  // namespace bench

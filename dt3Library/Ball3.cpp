@@ -1,7 +1,8 @@
 #include "dt3Library/Ball3.h"
 
 #include <cmath>
-#include <iostream>
+
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
@@ -10,7 +11,7 @@ double Ball3::getRadius() const {
 }
 
 void Ball3::debug() const {
-    std::cout << "Ball3: " << centre << ", r=" << getRadius() << std::endl;
+    messageStream() << "Ball3: " << centre << ", r=" << getRadius() << std::endl;
 }
 
 }  // namespace VARN3D

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cfloat>
-#include <iostream>
+
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
@@ -102,8 +103,8 @@ double Bbox3::getMaxRange() const {
 }
 
 void Bbox3::debug() const {
-    std::cout << "Bbox3: (" << minX << "," << minY << "," << minZ << ") -> (" << maxX << "," << maxY
-              << "," << maxZ << ")" << std::endl;
+    messageStream() << "Bbox3: (" << minX << "," << minY << "," << minZ << ") -> (" << maxX << ","
+                    << maxY << "," << maxZ << ")" << std::endl;
 }
 
 }  // namespace VARN3D

@@ -2,11 +2,11 @@
 
 #include <array>
 #include <exception>
-#include <iostream>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/Profile.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/engine/InsertionOrder.h"
 #include "dt3Library/engine/LiveTets.h"
 #include "dt3Library/engine/MeshCheck.h"
@@ -26,7 +26,7 @@ namespace {
 constexpr std::size_t ENTRIES_SEARCHED = 32;
 
 void printNothingToInsert() {
-    std::cout << "Attention: triangulate has got an empty vector" << std::endl;
+    messageStream() << "Attention: triangulate has got an empty vector" << std::endl;
 }
 
 /// Sets a flag when an exception leaves its scope.
@@ -59,14 +59,14 @@ void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHan
     for (std::size_t i = 0; i < vInputPoints.size(); ++i)
         requireFinite(vInputPoints[i], i, "Dt3::insert()");
     if (bVerbose)
-        std::cout << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
+        messageStream() << std::endl << "Dt3::insert(vector,vector) has been called" << std::endl;
     if (!vUserHandles.empty()) {
         printWarning("Dt3::insert()", "vUserHandles is not empty as it should be");
         vUserHandles.clear();
     }
     ++revision;
     const std::size_t n = vInputPoints.size();
-    std::cout << "numPoints=" << n << std::endl;
+    messageStream() << "numPoints=" << n << std::endl;
     if (n == 0) return;
 
     std::vector<Point3*> vNew;
@@ -251,7 +251,7 @@ Tet3* Dt3::locate(const Point3& point) {
 void Dt3::getAllTetrahedra(std::vector<Tet3*>& vTet) const {
     engineCheck(vTet.empty(), "vTet.empty()", 1300);
     if (!bFullDimensional) {
-        std::cout << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
+        messageStream() << "Dt3::getAllTetrahedra(), oneTet==NULL" << std::endl;
         return;
     }
     const LiveTets live(tets);

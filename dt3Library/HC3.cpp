@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <atomic>
-#include <iostream>
 
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/store/CurveSort.h"
 #include "dt3Library/store/radixSort.h"
 #include "dt3Library/tools.h"
@@ -33,7 +33,7 @@ void orderWithinCell(Point3** first, Point3** last) {
 
 HC3::HC3(unsigned keyBits) : numBits(keyBits) {
     if (numBits == 0 || numBits >= 33 || numBits % 3 != 0) {
-        std::cout << "HC3::HC3(..): invalid bitlength" << std::endl;
+        messageStream() << "HC3::HC3(..): invalid bitlength" << std::endl;
         varnAssertText(false, "false");
     }
     vertices.init();

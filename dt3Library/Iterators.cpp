@@ -1,7 +1,6 @@
 #include "dt3Library/Iterators.h"
 
-#include <iostream>
-
+#include "dt3Library/base/messages.h"
 #include "dt3Library/tools.h"
 
 /// The circulator's checks are known by the header's name and these lines.
@@ -52,8 +51,8 @@ int TetAroundEdgeIterator::getPayloadICI() const {
 
 void TetAroundEdgeIterator::debug() const {
     const char* const rule = "-----------------------------------";
-    std::cout << rule << std::endl << "# This is a TetAroundEdgeIterator:" << std::endl;
-    std::cout << current << rule << std::endl << std::endl;
+    messageStream() << rule << std::endl << "# This is a TetAroundEdgeIterator:" << std::endl;
+    messageStream() << current << rule << std::endl << std::endl;
 }
 
 }  // namespace VARN3D

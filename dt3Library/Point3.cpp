@@ -2,8 +2,8 @@
 
 #include <cfloat>
 #include <iomanip>
-#include <iostream>
 
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/vectors.h"
 
 namespace VARN3D {
@@ -53,7 +53,7 @@ bool Point3::operator<(const Point3& other) const {
 }
 
 void Point3::debug() const {
-    std::cout << "Point3: " << xx << "," << yy << "," << zz << std::endl;
+    messageStream() << "Point3: " << xx << "," << yy << "," << zz << std::endl;
 }
 
 std::ostream& operator<<(std::ostream& out, const Point3& p) {

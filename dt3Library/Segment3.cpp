@@ -1,11 +1,11 @@
 #include "dt3Library/Segment3.h"
 
-#include <iostream>
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
 void Segment3::debug() const {
-    std::cout << "Segment3: " << source << "," << target << std::endl;
+    messageStream() << "Segment3: " << source << "," << target << std::endl;
 }
 
 }  // namespace VARN3D

@@ -1,12 +1,12 @@
 #include "dt3Library/Tet3.h"
 
 #include <cstdlib>
-#include <iostream>
 
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/base/facets.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 #include "dt3Library/predicates/FloatingPointScope.h"
@@ -29,11 +29,11 @@ const void* address(const void* p) {
 std::atomic<std::int32_t> Tet3::runningLabel{0};
 
 Tet3::Tet3() : label(takeLabel()) {
-    std::cout << "Tet default constructor (is actually not called)" << std::endl;
+    messageStream() << "Tet default constructor (is actually not called)" << std::endl;
 }
 
 Tet3::Tet3(const Tet3& /*other*/) {
-    std::cout << "CCTOR of Tet3" << std::endl;
+    messageStream() << "CCTOR of Tet3" << std::endl;
 }
 
 Tet3& Tet3::operator=(const Tet3& other) {
@@ -125,7 +125,7 @@ Tet3* Tet3::getOppTet(const Point3* p) const {
 
 void Tet3::setOppTet(int ith, Tet3* pC) {
     if (pC == this) {
-        std::cout << "this=" << address(this) << ", pC=" << address(pC) << std::endl << *pC;
+        messageStream() << "this=" << address(this) << ", pC=" << address(pC) << std::endl << *pC;
         printWarning("Tet3::setOppTet()",
                      "trying to set *this as neighbor of *this, ith=" + std::to_string(ith));
     }
@@ -137,9 +137,9 @@ void Tet3::setOppTet(int ith, Tet3* pC) {
 int Tet3::getIntraTetIndex(const Tet3* pNeig) const {
     for (int i = 0; i < 4; ++i)
         if (aOppTets[i] == pNeig) return i;
-    std::cout << "Tet3::getIntraTetIndex went wrong: ";
-    if (pNeig != nullptr) std::cout << *pNeig;
-    std::cout << ", this is " << *this << std::endl;
+    messageStream() << "Tet3::getIntraTetIndex went wrong: ";
+    if (pNeig != nullptr) messageStream() << *pNeig;
+    messageStream() << ", this is " << *this << std::endl;
     std::exit(1);
 }
 
@@ -187,17 +187,17 @@ bool Tet3::haveCommonFacet(Tet3* pT0, int opp0, Tet3* pT1, int opp1) {
         bCommon = bCommon && bFound;
     }
     if (bCommon) return true;
-    std::cout << "Tet3::haveCommonFacet() ERROR" << std::endl;
-    std::cout << *pT0 << std::endl << "...with index " << opp0 << std::endl;
-    std::cout << indices0[0] << "," << indices0[1] << "," << indices0[2] << std::endl;
-    std::cout << *pT1 << std::endl << "...with index " << opp1 << std::endl;
-    std::cout << indices1[0] << "," << indices1[1] << "," << indices1[2] << std::endl;
+    messageStream() << "Tet3::haveCommonFacet() ERROR" << std::endl;
+    messageStream() << *pT0 << std::endl << "...with index " << opp0 << std::endl;
+    messageStream() << indices0[0] << "," << indices0[1] << "," << indices0[2] << std::endl;
+    messageStream() << *pT1 << std::endl << "...with index " << opp1 << std::endl;
+    messageStream() << indices1[0] << "," << indices1[1] << "," << indices1[2] << std::endl;
     std::exit(1);
 }
 
 int Tet3::debug_getOppTetIndex(int ith) const {
     if (getOppTet(ith) == nullptr) return -1;
-    std::cout << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
+    messageStream() << "Tet3::debug_getTetIndex(): Not implemented yet" << std::endl;
     return 0;
 }
 

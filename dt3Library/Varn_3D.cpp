@@ -1,6 +1,7 @@
 #include "dt3Library/Varn_3D.h"
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/engine/hostCalls.h"
 #include "dt3Library/engine/star.h"
 
@@ -84,6 +85,10 @@ void Varn_3D::show(const std::string& filename, Point3* pVertex) {
 
 void Varn_3D::setVerbosity(bool bVerbose) {
     pDt3->setVerbosity(bVerbose);
+}
+
+void Varn_3D::setMessageStream(std::ostream* pStream) {
+    exchangeMessageStream(pStream);
 }
 
 }  // namespace VARN3D

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -134,7 +135,7 @@ class VARN3D_EXPORT Varn_3D {
     /// process's dumps) and returns false. O(n).
     bool checkValidity(const std::string& location, bool checkSphereInc);
 
-    /// Prints all tetrahedra on standard output, under the label. O(n).
+    /// Prints all tetrahedra under the label. O(n).
     void print(const std::string& label);
 
     /// Writes all tetrahedra to a file in Geomview's OOGL format, and marks pVertex unless it is
@@ -142,9 +143,18 @@ class VARN3D_EXPORT Varn_3D {
     /// opened ends the process with exit code 1; a write error goes unnoticed. O(n).
     void show(const std::string& filename, Point3* pVertex);
 
-    /// Whether batch insertion announces itself on standard output; false at first. Warnings and
-    /// errors are printed in any case.
+    /// Whether batch insertion announces itself; false at first. Warnings and errors are printed
+    /// in any case.
     void setVerbosity(bool bVerbose);
+
+    /// Sets the stream to which the library prints: std::cout at first, null for silence. Where
+    /// this manual says that something is printed, or goes to standard output, it goes there.
+    ///
+    /// One for all objects of the process, so it has to outlive them, or be replaced before it
+    /// ends. May be called at any time, but what other threads are about to print may still go to
+    /// the former stream. Threads print without regard for each other: as long as several may
+    /// print, the stream must stand being written to by several at once, as std::cout and null do.
+    static void setMessageStream(std::ostream* pStream);
 
   private:
     friend class PointLocator;

@@ -3,9 +3,9 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
-#include <iostream>
 #include <locale>
 
+#include "dt3Library/base/messages.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
@@ -50,13 +50,13 @@ const char* const Visualizer3::colorArray[NUM_COLORS] = {
 };
 
 Visualizer3::Visualizer3(const std::string& fileName) {
-    std::cout << "Visualizer, writing " << fileName << std::endl;
+    messageStream() << "Visualizer, writing " << fileName << std::endl;
     out.open(fileName);
     if (!out) {
-        std::cout << fileName << " not open" << std::endl;
+        messageStream() << fileName << " not open" << std::endl;
         std::exit(1);
     }
-    std::cout << "  Writing " << fileName << std::endl;
+    messageStream() << "  Writing " << fileName << std::endl;
     out.imbue(std::locale::classic());  // OOGL knows no decimal comma, whatever the host's locale
     out << "LIST" << std::endl << "{" << std::endl;
 }
@@ -137,8 +137,8 @@ void Visualizer3::writeBall(const Point3& centre, double squaredRadius) {
 
 std::string Visualizer3::getColorAt(int cursor) {
     if (cursor >= 0 && cursor < NUM_CYCLED_COLORS) return colorArray[cursor];
-    std::cout << "Attention, returning colorArray[13] which is the last available color"
-              << std::endl;
+    messageStream() << "Attention, returning colorArray[13] which is the last available color"
+                    << std::endl;
     return colorArray[NUM_CYCLED_COLORS - 1];
 }
 

@@ -4,15 +4,16 @@
 #include <atomic>
 #include <cstdint>
 #include <cstdlib>
-#include <iostream>
+
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
 namespace {
 
 void printMessage(const std::string& who, const std::string& kind, const std::string& text) {
-    std::cout << std::endl;
-    std::cout << "      " + who + ", " + kind + ": " + text << std::endl << std::endl;
+    messageStream() << std::endl;
+    messageStream() << "      " + who + ", " + kind + ": " + text << std::endl << std::endl;
 }
 
 /// The same path on every build, wherever the sources lie.
@@ -33,7 +34,7 @@ void printError(const std::string& who, const std::string& text) {
 
 void conditionFailed(const char* condition, const char* file, int line) {
     printError("Varn, ", std::string("Condition [ ") + condition + " failed ]");
-    std::cout << "      " << getPathInRepository(file) << ":" << line << std::endl;
+    messageStream() << "      " << getPathInRepository(file) << ":" << line << std::endl;
     throw VarnException();
 }
 
@@ -41,7 +42,7 @@ void goToHell(const std::string& reason) {
     printError("goToHell", " reason: " + reason);
     // Volatile on both levels, or the compiler may assume that this point is never reached.
     const volatile int* const volatile pNowhere = nullptr;
-    std::cout << *pNowhere << std::endl;
+    messageStream() << *pNowhere << std::endl;
     std::abort();  // where address 0 can be read
 }
 
@@ -53,8 +54,8 @@ std::string getNextDumpPrefix() {
 
 void printBanner(const std::string& text) {
     const std::string rule = std::string(text.length() + 36, '*') + "\n";
-    std::cout << "\n\n" + rule + rule + std::string(16, ' ') + text + "\n" + rule + rule
-              << std::flush;
+    messageStream() << "\n\n" + rule + rule + std::string(16, ' ') + text + "\n" + rule + rule
+                    << std::flush;
 }
 
 }  // namespace VARN3D

@@ -2,9 +2,10 @@
 
 #include <chrono>
 #include <iomanip>
-#include <iostream>
 #include <map>
 #include <mutex>
+
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
@@ -17,13 +18,13 @@ double timer(const std::string& name) {
     const auto running = startTimes.find(name);
     if (running == startTimes.end()) {
         startTimes[name] = Clock::now();
-        std::cout << std::endl << "*** Timer [" << name << "] start" << std::endl;
+        messageStream() << std::endl << "*** Timer [" << name << "] start" << std::endl;
         return -1.0;
     }
     const std::chrono::duration<double> elapsed = Clock::now() - running->second;
-    std::cout << "*** Timer [" << name << "] stop, elapsed time: " << std::fixed
-              << std::setprecision(3) << elapsed.count() << " s" << std::endl
-              << std::setprecision(6);
+    messageStream() << "*** Timer [" << name << "] stop, elapsed time: " << std::fixed
+                    << std::setprecision(3) << elapsed.count() << " s" << std::endl
+                    << std::setprecision(6);
     startTimes.erase(running);
     return elapsed.count();
 }
@@ -39,6 +40,7 @@ void benchCounter(std::string& name) {
         ++counts[name];
         return;
     }
-    std::cout << std::endl << "Counters: " << std::endl;
-    for (const auto& [counted, count] : counts) std::cout << counted << "\t" << count << std::endl;
+    std::ostream& out = VARN3D::messageStream();
+    out << std::endl << "Counters: " << std::endl;
+    for (const auto& [counted, count] : counts) out << counted << "\t" << count << std::endl;
 }

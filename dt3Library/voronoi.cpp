@@ -100,8 +100,8 @@ class CellMaker {
             if (turn.tet == tet) break;
         }
         if (bBounded && passed.size() > 1 && passed.front() == passed.back()) passed.pop_back();
-        const bool bHasArea = bBounded ? passed.size() > 2
-                                       : passed.size() > 1 || !isFlat(tet, opp2, turn);
+        const bool bHasArea =
+            bBounded ? passed.size() > 2 : passed.size() > 1 || !isFlat(tet, opp2, turn);
         if (!bHasArea) return;
         VoronoiFacet facet{neighbour, bBounded, {}};
         for (const std::size_t sphere : passed) facet.corners.push_back(*vertex + centres[sphere]);

@@ -38,9 +38,9 @@ struct VoronoiCell {
 /// facets of the cell.
 ///
 /// A corner is the exact one as seen from the vertex, each component rounded to within 2^-49 of
-/// itself, added to the vertex's coordinates in plain doubles; it is infinite where it exceeds their
-/// range. The volume is off by at most 1e-14 times the corners of all facets times the cube of the
-/// largest distance of a corner; it overflows or underflows with that cube.
+/// itself, added to the vertex's coordinates in plain doubles; it is infinite where it exceeds
+/// their range. The volume is off by at most 1e-14 times the corners of all facets times the cube
+/// of the largest distance of a corner; it overflows or underflows with that cube.
 ///
 /// O(tetrahedra around the vertex times the most at one edge). Reads the mesh only, so several
 /// threads may call it at once while nobody inserts. A vertex that waits is a failed check and

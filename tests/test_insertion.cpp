@@ -91,7 +91,7 @@ TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
     std::vector<Point3*> list;
     EXPECT_DEATH(
         {
-            std::cout.rdbuf(std::cerr.rdbuf());
+            exchangeMessageStream(&std::cerr);
             engine.triangulate(list, nullptr);
         },
         "goToHell, ERROR:  reason: pLastTet==NULL in Dt3::triangulate");

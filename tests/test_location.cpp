@@ -159,7 +159,7 @@ TEST(Location, withoutStartTheProcessEnds) {
     const Point3 p;
     EXPECT_DEATH(
         {
-            std::cout.rdbuf(std::cerr.rdbuf());
+            exchangeMessageStream(&std::cerr);
             locator.locate(&p, nullptr);
         },
         "goToHell, ERROR:  reason: locateConflictTet");

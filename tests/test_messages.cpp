@@ -1,8 +1,10 @@
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <thread>
 #include <vector>
 
+#include "dt3Library/Varn_3D.h"
 #include "dt3Library/tools.h"
 #include "tests/support/Failures.h"
 
@@ -48,6 +50,30 @@ TEST(Messages, FailedChecksPrintBeforeTheyThrow) {
                  "varn3d@example.org");
 }
 
+TEST(Messages, GoToStandardOutputOrToTheHostsStream) {
+    const auto use = [] {
+        testing::internal::CaptureStdout();
+        Varn_3D mesh;
+        std::vector<Point3> none;
+        mesh.insert(none);
+        EXPECT_THROW(mesh.locate({std::nan(""), 0, 0}), VarnException);
+        getNormalVector({}, {}, {});
+        return testing::internal::GetCapturedStdout();
+    };
+    const std::string expected = use();
+    EXPECT_THAT(expected, ::testing::StartsWith("numPoints=0\n\n      Dt3::locate(), ERROR: "));
+    EXPECT_THAT(expected,
+                ::testing::HasSubstr(support::checkReport("std::isfinite", "dt3Library/Dt3.cpp")));
+    EXPECT_THAT(expected, ::testing::EndsWith("Null length vector!\n"));
+    EXPECT_EQ(outputOf([&] { EXPECT_EQ(use(), ""); }), expected);
+    EXPECT_EQ(outputOf([&] {
+                  Varn_3D::setMessageStream(nullptr);
+                  EXPECT_EQ(use(), "");
+              }),
+              "");
+    EXPECT_EQ(use(), expected);
+}
+
 TEST(MessagesDeathTest, HellIsAnAccessFault) {
     EXPECT_EXIT(
         {
@@ -63,11 +89,13 @@ TEST(Timers, StartAndStopInTurn) {
     EXPECT_EQ(outputOf([&] { result = timer("x"); }), "\n*** Timer [x] start\n");
     EXPECT_EQ(result, -1.0);
     outputOf([] { timer("y"); });
-    EXPECT_THAT(outputOf([&] { result = timer("x"); }),
-                ::testing::MatchesRegex(
-                    "\\*\\*\\* Timer \\[x\\] stop, elapsed time: [0-9]+\\.[0-9][0-9][0-9] s\n"));
+    EXPECT_THAT(outputOf([&] {
+                    result = timer("x");
+                    messageStream() << 0.5;
+                }),
+                ::testing::MatchesRegex("\\*\\*\\* Timer \\[x\\] stop, elapsed time: "
+                                        "[0-9]+\\.[0-9][0-9][0-9] s\n0\\.500000"));
     EXPECT_GE(result, 0.0);
-    EXPECT_EQ(outputOf([] { std::cout << 0.5; }), "0.500000");
     outputOf([&] { result = timer("x"); });
     EXPECT_EQ(result, -1.0);
 }

@@ -257,7 +257,7 @@ TEST(GeomTest3DeathTest, ANullTetrahedronStopsTheProcess) {
     const Point3 p(0, 0, 0);
     EXPECT_DEATH(
         {
-            std::cout.rdbuf(std::cerr.rdbuf());
+            exchangeMessageStream(&std::cerr);
             GeomTest3().getOrientation3(static_cast<const Tet3*>(nullptr), 2, &p);
         },
         "      goToHell, ERROR:  reason: getOrientation3, pC==NULL");

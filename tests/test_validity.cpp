@@ -207,7 +207,7 @@ TEST_F(Validity, oneWayLinksEndTheProcess) {
         link = nullptr;
         EXPECT_EXIT(
             {
-                std::cout.rdbuf(std::cerr.rdbuf());
+                exchangeMessageStream(&std::cerr);
                 engine.checkValidity("here", true);
             },
             testing::ExitedWithCode(1), "Tet3::getIntraTetIndex went wrong: ");

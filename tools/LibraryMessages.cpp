@@ -3,13 +3,17 @@
 #include <cstdio>
 #include <iostream>
 
+#include "dt3Library/Varn_3D.h"
+
 namespace tool {
 
-LibraryMessages::LibraryMessages() : pPrevious(std::cout.rdbuf(this)) {}
+LibraryMessages::LibraryMessages() {
+    VARN3D::Varn_3D::setMessageStream(&stream);
+}
 
 LibraryMessages::~LibraryMessages() {
     passOn();
-    std::cout.rdbuf(pPrevious);
+    VARN3D::Varn_3D::setMessageStream(&std::cout);
 }
 
 LibraryMessages::int_type LibraryMessages::overflow(int_type c) {

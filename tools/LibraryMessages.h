@@ -1,11 +1,12 @@
 #pragma once
 
+#include <ostream>
 #include <streambuf>
 #include <string>
 
 namespace tool {
 
-/// Keeps the library's own lines on standard output out of the program's, as long as it lives.
+/// Takes the library's messages, as long as it lives: standard output is the program's.
 ///
 /// Progress notes are dropped. A warning goes to standard error; from the first error on everything
 /// does, since what follows explains it. Lines are passed on at once: a process that dies has said
@@ -21,7 +22,7 @@ class LibraryMessages : private std::streambuf {
     int_type overflow(int_type c) override;
     void passOn();
 
-    std::streambuf* const pPrevious;
+    std::ostream stream{this};
     std::string line;
     bool bErrorSeen = false;
 };

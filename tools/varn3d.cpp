@@ -63,6 +63,7 @@ class Program {
     void writeGeomview();
     void printSummary() const;
 
+    const LibraryMessages messages;
     Options options;
     Progress progress;
     PointSet input;
@@ -138,7 +139,6 @@ void Program::triangulate() {
         const auto numMade = static_cast<std::uint32_t>(Tet3::runningLabel - before);
         return static_cast<double>(numMade) / expected;
     });
-    const LibraryMessages messages;
     const auto start = std::chrono::steady_clock::now();
     mesh.insert(input.points, vertexOfPoint);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -159,7 +159,6 @@ void Program::countHullFacets() {
 
 void Program::check() {
     progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
-    const LibraryMessages messages;
     bValid = mesh.checkValidity(options.input, true);
 }
 
@@ -222,10 +221,7 @@ void Program::writeGeomview() {
     progress.begin("writing " + options.geomview);
     OutputFile& file = files.emplace_back(options.geomview);
     file.close();
-    {
-        const LibraryMessages messages;
-        mesh.show(file.writtenName(), nullptr);
-    }
+    mesh.show(file.writtenName(), nullptr);
     // The library doesn't tell when the disk is full; a complete file ends with a closing brace.
     std::ifstream written(file.writtenName(), std::ios::binary);
     char ending[2] = {};

@@ -2,12 +2,12 @@
 
 #include <cmath>
 #include <iomanip>
-#include <iostream>
 #include <limits>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/Profile.h"
 #include "dt3Library/base/facets.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/prefetch.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 
@@ -128,7 +128,7 @@ Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
     Tet3* last = fill();
     const std::size_t numStoredTCS = gluing.glue(created);
     if (numStoredTCS != 0)
-        std::cout << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
+        messageStream() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
     engineCheck(numStoredTCS == 0, "numStoredTCS==0", 920);
     return last;
 }
@@ -276,13 +276,13 @@ void Cavity::checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const 
     const Orientation3 orientation = predicates.getOrientation3(a, b, c, d);
     if (orientation == ORIENTATION3_POSITIVE) return;
     const bool negative = orientation == ORIENTATION3_NEGATIVE;
-    std::cout << "Dt3::createTet(), ERROR: "
-              << (negative ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
-              << " ORIENTATION OF: " << std::endl;
-    std::cout << std::setprecision(15);
-    for (const Point3* corner : {a, b, c, d}) std::cout << *corner << std::endl;
+    messageStream() << "Dt3::createTet(), ERROR: "
+                    << (negative ? "ORIENTATION3_NEGATIVE" : "ORIENTATION3_COPLANAR")
+                    << " ORIENTATION OF: " << std::endl;
+    messageStream() << std::setprecision(15);
+    for (const Point3* corner : {a, b, c, d}) messageStream() << *corner << std::endl;
     engineCheck(!negative, "false", 980);
-    std::cout << "..probably a legal situaion but observe!" << std::endl;
+    messageStream() << "..probably a legal situaion but observe!" << std::endl;
 }
 
 Tet3* Cavity::createTet(Point3* a, Point3* b, Point3* c, Point3* d) {

@@ -1,13 +1,13 @@
 #include "dt3Library/engine/Locator.h"
 
 #include <cstdlib>
-#include <iostream>
 #include <vector>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/Profile.h"
 #include "dt3Library/base/bits.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/engine/HullEdge.h"
 #include "dt3Library/engine/star.h"
@@ -67,7 +67,7 @@ WalkEnd lookAroundEdge(Tet3* tet, int opp3, int opp2) {
 /// The watchdog's report. It also moves one step at random, for a caller who tries again.
 WalkEnd stopWalk(Tet3* tet) {
     Tet3* const neighbour = MeshAccess::neighbour(tet, std::rand() % 4);
-    std::cout << "watchDog: bad point" << std::endl;
+    messageStream() << "watchDog: bad point" << std::endl;
     return {Place::OnTheWay, neighbour != nullptr ? neighbour : tet};
 }
 

@@ -1,10 +1,9 @@
 #include "dt3Library/engine/MeshCheck.h"
 
-#include <iostream>
-
 #include "dt3Library/Visualizer3.h"
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/engine/meshDumps.h"
 
@@ -19,8 +18,8 @@ const char* plainNameOf(Orientation3 orientation) {
 
 void reportSphere(Tet3* tet, const Point3* vertex) {
     printBanner("checkValidity: ERROR ERROR ERROR");
-    std::cout << "Dt3::checkValidity, HUH - sphereIncTest failed: " << std::endl;
-    std::cout << *tet << ", Vertex=" << vertex << "=" << *vertex << std::endl;
+    messageStream() << "Dt3::checkValidity, HUH - sphereIncTest failed: " << std::endl;
+    messageStream() << *tet << ", Vertex=" << vertex << "=" << *vertex << std::endl;
     Visualizer3 visualizer(getNextDumpPrefix() + "sphereIncBug.list");
     visualizer.writeTet(tet, "1 0 0 0.5");
     visualizer.writePoints({*vertex}, 8, "1 1 1 0.5");
@@ -32,23 +31,24 @@ void reportSphere(Tet3* tet, const Point3* vertex) {
 }  // namespace
 
 bool MeshCheck::run(const std::string& location, bool bSpheres) const {
-    std::cout << "\n\n** CheckValidity at [ " << location
-              << "]: Number of tetrahedra: " << tets.size() << std::endl;
-    std::cout << "   with --checkvisited" << std::endl;
-    std::cout << (bSpheres ? "   with --checkSphereInc" : "   without --checkSphereInc")
-              << std::endl;
-    std::cout << "   vTets.size()=" << tets.size() << std::endl;
+    messageStream() << "\n\n** CheckValidity at [ " << location
+                    << "]: Number of tetrahedra: " << tets.size() << std::endl;
+    messageStream() << "   with --checkvisited" << std::endl;
+    messageStream() << (bSpheres ? "   with --checkSphereInc" : "   without --checkSphereInc")
+                    << std::endl;
+    messageStream() << "   vTets.size()=" << tets.size() << std::endl;
     for (Tet3* tet : tets)
         if (!isSound(location, tet, bSpheres)) return false;
-    std::cout << "** CheckValidity at (" << location << ") has been finished, seems OK" << std::endl
-              << std::endl;
+    messageStream() << "** CheckValidity at (" << location << ") has been finished, seems OK"
+                    << std::endl
+                    << std::endl;
     return true;
 }
 
 bool MeshCheck::isSound(const std::string& location, Tet3* tet, bool bSpheres) const {
     if (MeshAccess::visited(tet)) {
         printError("Dt3::CheckValidity()", "pcurrentTet->hasBeenvisited=true");
-        std::cout << *tet << std::endl;
+        messageStream() << *tet << std::endl;
         engineCheck(false, "false", 1410);
     }
     for (int ith = 0; ith < 4; ++ith) {
@@ -72,10 +72,11 @@ bool MeshCheck::isSound(const std::string& location, Tet3* tet, bool bSpheres) c
 void MeshCheck::reportSide(const std::string& location, const Tet3* tet, int ith,
                            const Point3* vertex, Orientation3 orientation) const {
     printBanner("ERROR: checkValidity at [" + location + "]");
-    std::cout << "Dt3::checkValidity, HUH, vertex " << vertex
-              << " should be on the negative side, tet=" << std::endl;
-    std::cout << *tet << "oppIndex=" << ith << ", Vertex=" << vertex << "=" << *vertex << std::endl;
-    std::cout << "checkValidity: " << plainNameOf(orientation) << std::endl;
+    messageStream() << "Dt3::checkValidity, HUH, vertex " << vertex
+                    << " should be on the negative side, tet=" << std::endl;
+    messageStream() << *tet << "oppIndex=" << ith << ", Vertex=" << vertex << "=" << *vertex
+                    << std::endl;
+    messageStream() << "checkValidity: " << plainNameOf(orientation) << std::endl;
     showMesh(getNextDumpPrefix() + "negSideBug.list", tets, vertex);
 }
 

@@ -1,18 +1,17 @@
 #include "dt3Library/engine/meshDumps.h"
 
-#include <iostream>
-
 #include "dt3Library/Visualizer3.h"
+#include "dt3Library/base/messages.h"
 
 namespace VARN3D {
 
 void printMesh(const std::string& label, const std::vector<Tet3*>& tets) {
-    std::cout << "\n\n**** Dt3::print(" << label << "), numTets=" << tets.size() << std::endl;
-    for (const Tet3* tet : tets) std::cout << *tet << std::endl << std::endl;
+    messageStream() << "\n\n**** Dt3::print(" << label << "), numTets=" << tets.size() << std::endl;
+    for (const Tet3* tet : tets) messageStream() << *tet << std::endl << std::endl;
 }
 
 void showMesh(const std::string& filename, const std::vector<Tet3*>& tets, const Point3* vertex) {
-    std::cout << "  Dt3::show(): vTets.size()=" << tets.size() << std::endl;
+    messageStream() << "  Dt3::show(): vTets.size()=" << tets.size() << std::endl;
     Visualizer3 visualizer(filename);
     for (Tet3* tet : tets) {
         visualizer.writeTet(tet, Visualizer3::getNextColor());

@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <iostream>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "dt3Library/base/messages.h"
 #include "dt3Library/tools.h"
 
 namespace VARN3D {
@@ -47,8 +47,8 @@ class SimplePool {
     SimplePool() = default;
     ~SimplePool() {
         if (vBlocks.size() > 50)
-            std::cout << "SimplePool::~SimplePool: Number of containers to release: "
-                      << vBlocks.size() << std::endl;
+            messageStream() << "SimplePool::~SimplePool: Number of containers to release: "
+                            << vBlocks.size() << std::endl;
     }
     SimplePool(const SimplePool&) = delete;
     SimplePool& operator=(const SimplePool&) = delete;
@@ -135,7 +135,8 @@ class SimplePool {
 template <class T>
 void SimplePool<T>::init() {
     if (initialized) {
-        std::cout << "SimplePool::init(..), ERROR: This pool is already initialized" << std::endl;
+        messageStream() << "SimplePool::init(..), ERROR: This pool is already initialized"
+                        << std::endl;
         varnAssertText(false, "false");
     }
     addBlock(Traits::initialSize);
@@ -156,7 +157,7 @@ void SimplePool<T>::addBlock(std::int32_t request) {
     void* pMemory = std::malloc(static_cast<std::size_t>(size) * sizeof(T));
     Block block{std::unique_ptr<T, FreeBlock>(static_cast<T*>(pMemory)), size};
     if (pMemory == nullptr) {
-        std::cout << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
+        messageStream() << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
         varnAssertText(false, "false");
     }
     vBlocks.push_back(std::move(block));

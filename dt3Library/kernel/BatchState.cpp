@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <iostream>
 #include <new>
 
 #include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 #include "dt3Library/predicates/predicateStages.h"
 
@@ -78,7 +78,7 @@ void BatchState::restartNumbers() {
 
 void BatchState::failOpenCavity(std::size_t numUnpaired) {
     if (numUnpaired == 0) return;
-    std::cout << "numStoredTCS after insertVertex: " << numUnpaired << std::endl;
+    messageStream() << "numStoredTCS after insertVertex: " << numUnpaired << std::endl;
     engineCheck(false, "numStoredTCS==0", 920);
 }
 

@@ -1,8 +1,7 @@
 #include "dt3Library/kernel/ExactTests.h"
 
-#include <iostream>
-
 #include "dt3Library/base/EngineCheck.h"
+#include "dt3Library/base/messages.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 
 namespace VARN3D {
@@ -69,7 +68,7 @@ Slot ExactTests::walk(Slot start, VertexNumber point, std::uint64_t& numSteps) c
         entry = facetOf(tet.link[facet]);
         slot = slotOf(tet.link[facet]);
     }
-    std::cout << "watchDog: bad point" << std::endl;
+    messageStream() << "watchDog: bad point" << std::endl;
     engineCheck(false, "locateResult!=-99", 802);
     return slot;
 }

@@ -65,8 +65,7 @@ Vector3 centreOf(const Triple<Number> (&row)[3], int unitExponent) {
         return std::ldexp(sum.value / volume.value,
                           sum.exponent - volume.exponent - 1 + unitExponent);
     };
-    return {component(cd.x, db.x, bc.x), component(cd.y, db.y, bc.y),
-            component(cd.z, db.z, bc.z)};
+    return {component(cd.x, db.x, bc.x), component(cd.y, db.y, bc.y), component(cd.z, db.z, bc.z)};
 }
 
 template <std::size_t N>

@@ -1,18 +1,19 @@
 #pragma once
 
-#include <iostream>
 #include <sstream>
 #include <string>
 
+#include "dt3Library/base/messages.h"
+
 namespace support {
 
-/// What an operation writes on standard output. Exceptions pass through.
+/// What the library prints in an operation. Exceptions pass through.
 template <class Operation>
 std::string outputOf(Operation operation) {
     struct Redirection {
         std::ostringstream out;
-        std::streambuf* previous = std::cout.rdbuf(out.rdbuf());
-        ~Redirection() { std::cout.rdbuf(previous); }
+        std::ostream* const previous = VARN3D::exchangeMessageStream(&out);
+        ~Redirection() { VARN3D::exchangeMessageStream(previous); }
     } redirection;
     operation();
     return redirection.out.str();

@@ -44,7 +44,7 @@ std::string printed(const T& value) {
 
 /// To be called in the process of a death test, which sees standard error only.
 inline void printOnStandardError() {
-    std::cout.rdbuf(std::cerr.rdbuf());
+    VARN3D::exchangeMessageStream(&std::cerr);
 }
 
 }  // namespace support
