@@ -23,6 +23,7 @@
 #include "dt3Library/Vector3.h"
 #include "dt3Library/utilities.h"
 #include "dt3Library/version.h"
+#include "dt3Library/voronoi.h"
 
 namespace VARN3D {
 
