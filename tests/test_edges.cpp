@@ -80,7 +80,14 @@ TEST_F(MeshHandles, EdgesRunAsTheirFacetDoesAndTurnRoundWithTheirIndices) {
         EXPECT_TRUE(reversed == edge);
         EXPECT_FALSE(reversed < edge || edge < reversed);
         edges.insert(edge);
-        vertexPairs.insert(std::minmax(edge.getSourceVtx(), edge.getTargetVtx()));
+        const auto endsOf = [](const Edge3& e) -> std::pair<Point3*, Point3*> {
+            return std::minmax(e.getSourceVtx(), e.getTargetVtx());
+        };
+        vertexPairs.insert(endsOf(edge));
+        for (int i = 1; i < 4; ++i) {
+            const Edge3 other(edge.getTet(), opp3, (opp3 + i) % 4);
+            EXPECT_EQ(other == edge, endsOf(other) == endsOf(edge));
+        }
     });
     EXPECT_EQ(edges.size(), vertexPairs.size());
 }

@@ -3,6 +3,8 @@
 
 #include <climits>
 #include <cmath>
+#include <cstdio>
+#include <fstream>
 #include <iomanip>
 #include <limits>
 #include <set>
@@ -82,6 +84,18 @@ TEST(Insertion, messages) {
               }),
               "");
     EXPECT_TRUE(mesh.is3D());
+    EXPECT_THAT(outputOf([&] { mesh.checkValidity("here", false); }),
+                testing::HasSubstr("without --checkSphereInc\n"));
+    EXPECT_THAT(outputOf([&] { mesh.checkValidity("here", true); }),
+                testing::HasSubstr(" with --checkSphereInc\n"));
+    EXPECT_THAT(outputOf([&] { mesh.print("label"); }),
+                testing::StartsWith("\n\n**** Dt3::print(label), numTets=1\nTetrahedron (ID="));
+    const std::string file = testing::TempDir() + "varn3d_shown";
+    outputOf([&] { mesh.show(file, &one[0]); });
+    std::ostringstream shown;
+    shown << std::ifstream(file).rdbuf();
+    std::remove(file.c_str());
+    EXPECT_THAT(shown.str(), testing::HasSubstr("1 2 3\n1 0 0 0.5\n"));
     tets.push_back(nullptr);
     EXPECT_THAT(outputOf([&] { EXPECT_THROW(mesh.getTetrahedra(tets), VarnException); }),
                 testing::StartsWith("\n      Varn, , ERROR: Condition [ vTet.empty() failed ]\n\n"
@@ -105,9 +119,10 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
     std::vector<Point3*> handles;
     outputOf([&] { mesh.insert(points, handles); });
     const std::uint64_t before = meshDigest(mesh, handles);
-    const auto expectRefusal = [&](const std::string& position, const std::string& output) {
+    const auto expectRefusal = [&](const std::string& position, const std::string& output,
+                                   const std::string& who = "insert") {
         EXPECT_THAT(output,
-                    testing::StartsWith("\n      Dt3::insert(), ERROR: point " + position +
+                    testing::StartsWith("\n      Dt3::" + who + "(), ERROR: point " + position +
                                         " has a non-finite coordinate\n\n\n      Varn, , ERROR: "
                                         "Condition [ std::isfinite failed ]\n\n"
                                         "      dt3Library/Dt3.cpp:"));
@@ -124,6 +139,8 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
             EXPECT_EQ(notEmpty, handles);
             Point3 single = p;
             expectRefusal("0", outputOf([&] { EXPECT_THROW(mesh.insert(single), VarnException); }));
+            expectRefusal("0", outputOf([&] { EXPECT_THROW(mesh.locate(p), VarnException); }),
+                          "locate");
         }
     }
 }
@@ -177,7 +194,7 @@ TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMade) {
     const GeomTest3 predicates;
     TetRecycler recycler;
     Cavity cavity(predicates, recycler);
-    Point3 a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), d(0, 0, 0.1), e(1, 1, 0);
+    Point3 a(0, 0, 0), b(1, 0, 0), c(0, 1, 0), d(0, 0, 1.0 / 3), e(1, 1, 0);
     const auto report = [](const char* kind, const std::vector<const Point3*>& corners) {
         std::ostringstream out;
         out << "Dt3::createTet(), ERROR: ORIENTATION3_" << kind << " ORIENTATION OF: \n"
@@ -191,6 +208,39 @@ TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMade) {
         testing::StartsWith(report("NEGATIVE", {&b, &a, &c, &d}) + failed + "false failed ]\n"));
     EXPECT_EQ(outputOf([&] { EXPECT_NE(cavity.createTet(&a, &b, &c, &e), nullptr); }),
               report("COPLANAR", {&a, &b, &c, &e}) + "..probably a legal situaion but observe!\n");
+}
+
+void expectValid(Points batch, const Points& singles) {
+    Varn_3D mesh;
+    outputOf([&] {
+        mesh.insert(batch);
+        for (Point3 p : singles) mesh.insert(p);
+        EXPECT_TRUE(mesh.checkValidity("singles", true));
+    });
+}
+
+// What neighbours add to the region that they are tested from, a little or much; stars and regions
+// of hundreds.
+TEST(Insertion, singlesInGapsAndLargeRegions) {
+    for (std::uint64_t seed = 0; seed < 100; ++seed) {
+        Random r(seed);
+        // Also where the sphere test's products underflow or overflow.
+        const int exponents[] = {0, 0, 0, -212 - r.below(6), 201 + r.below(5)};
+        const int size = exponents[seed % 5];
+        Points points = grid(5, 5, 5, std::ldexp(0.1 * r.below(40) + 0.1, size));
+        const auto gap = points.begin() + r.below(125);
+        Points singles = generate(12, [&] {
+            const double beside = std::ldexp(r.unit() - 0.5, size - 6 - r.below(20));
+            return *gap + Vector3(beside, beside * r.bell(), beside * r.bell());
+        });
+        singles.push_back(*gap);
+        points.erase(gap);
+        expectValid(points, singles);
+    }
+    for (std::uint64_t seed = 0; seed < 20; ++seed) {
+        const Points points = shuffled(momentCurve(78), seed);
+        expectValid({points.begin(), points.begin() + 8}, points);
+    }
 }
 
 // The records of doomed tetrahedra are used again, but not while the insertion still reads them.
@@ -244,28 +294,24 @@ TEST(Insertion, largeFlatInputNeedsNoSearch) {
     std::vector<Point3*> vertices;
     singles.getVertices(vertices);
     EXPECT_EQ(vertices.size(), std::set<Point3*>(handles.begin(), handles.end()).size());
-    EXPECT_FALSE(batch.is3D());
-    EXPECT_FALSE(singles.is3D());
+    EXPECT_FALSE(batch.is3D() || singles.is3D());
+    EXPECT_EQ(batch.locate(flat[0]), nullptr);
     // The first point off the plane ends the waiting.
     Point3 apex(0, 0, 1);
     EXPECT_EQ(outputOf([&] { singles.insert(apex); }), EMPTY_LIST);
     EXPECT_TRUE(singles.is3D());
-}
-
-// One vertex waits and one point of the batch is a repetition: as many vertices as points.
-TEST(Insertion, batchTakesInAWaitingVertexThatARepetitionHides) {
-    Varn_3D mesh;
-    std::vector<Point3*> handles;
+    // Amid those that wait the search for a start ends at the most recent tetrahedron.
+    std::vector<Tet3*> tets;
+    singles.getTetrahedra(tets);
+    ASSERT_EQ(tets.size(), 1U);
+    Point3 sum(0, 0, 0), amid(flat[17] + Vector3(0.5, 0.5, 2.0));
+    for (int i = 0; i < 4; ++i) sum = sum + (*tets[0]->getCorner(i) - Point3(0, 0, 0));
+    Point3 centroid(sum.x() / 4, sum.y() / 4, sum.z() / 4);
     outputOf([&] {
-        Point3 first(5, 5, 5);
-        handles.push_back(mesh.insert(first));
-        std::vector<Point3> batch{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 0, 0}};
-        std::vector<Point3*> batchHandles;
-        mesh.insert(batch, batchHandles);
-        handles.insert(handles.end(), batchHandles.begin(), batchHandles.end());
+        singles.insert(centroid);
+        singles.insert(amid);
+        EXPECT_TRUE(singles.checkValidity("flat", true));
     });
-    ASSERT_TRUE(mesh.is3D());
-    for (const Point3* handle : handles) EXPECT_NE(handle->getOneTet(), nullptr);
 }
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include "dt3Library/VarnException.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/engine/Cavity.h"
-#include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "support/CaptureOutput.h"
 #include "support/MeshDigest.h"
@@ -23,15 +22,6 @@ namespace {
 
 using namespace VARN3D;
 using namespace support;
-
-Points mixedExponents(std::size_t n) {
-    Random r(3);
-    const auto any = [&r] { return std::ldexp(r.unit() - 0.5, r.below(600) - 300); };
-    return generate(n, [&] {
-        const double x = any(), y = any();
-        return Point3(x, y, any());
-    });
-}
 
 std::vector<Tet3*> tetsOf(const Dt3& engine) {
     std::vector<Tet3*> tets;
@@ -72,7 +62,7 @@ TEST(Kernel, bothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
                            uniform(600, 1, 0.0, 1e-300),
                            uniform(600, 1, 6e6, 6e6 + 1.0),
                            uniform(600, 1, 6e6, 6e6 + 1e-3) + uniform(300, 2, -1.0, 1.0),
-                           mixedExponents(400),
+                           mixedExponents(400, -300, 300),
                            sphere(400, 1) + lattice(300, 6, 6, 6, 1),
                            shuffled(grid(9, 9, 9, 0.1), 1),
                            shuffled(integerSphere(861), 4) + lattice(900, 9, 9, 9, 8),
@@ -92,64 +82,6 @@ TEST(Kernel, moreThanCanBeAddressedIsOutOfMemory) {
     EXPECT_THROW(CompactMesh(1, TOO_MANY), std::bad_alloc);
     EXPECT_THROW(CompactMesh(2 * TOO_MANY, 1), std::bad_alloc);
     EXPECT_THROW(CompactMesh(1, 1).reserve(TOO_MANY), std::bad_alloc);
-}
-
-TEST(Kernel, walksStartAtVerticesInsertedBefore) {
-    for (Points points : {uniform(500, 1), nestedClusters(900), uniform(500, 2, -1e308, 1e308),
-                          Points(50, Point3(1, 2, 3)), mixedExponents(300)}) {
-        std::vector<Point3*> vertices{nullptr};
-        std::vector<CompactVertex> compact(1);
-        for (Point3& p : points) {
-            vertices.push_back(&p);
-            compact.push_back({{p.x(), p.y(), p.z()}, 0, 0});
-        }
-        const EarlierNeighbours neighbours(vertices, 5);
-        for (VertexNumber v = 5; v < vertices.size(); ++v)
-            EXPECT_LT(neighbours.nearestTo(compact.data(), v) - 1, v - 1);
-    }
-}
-
-TEST(Kernel, hashingPairsTheEdgesOfASurface) {
-    Dt3 engine;
-    Handles handles;
-    outputOf([&] { engine.insert(sphere(300, 1) + shuffled(integerSphere(81), 1), handles); });
-    std::map<const Point3*, std::uint32_t> numbers;
-    for (const Point3* p : handles) numbers.emplace(p, numbers.size());
-    std::vector<CavityFacet> hull;
-    for (const Tet3* tet : tetsOf(engine))
-        for (int i = 0; i < 4; ++i) {
-            if (tet->getOppTet(i) != nullptr) continue;
-            CavityFacet& facet = hull.emplace_back();
-            for (int k = 0; k < 3; ++k)
-                facet.number[k] = numbers[tet->getCorner(OUTER_FACET[i][k])];
-        }
-    ASSERT_GT(hull.size(), 100U);
-    EdgeTable edges;
-    for (const std::size_t numFacets : {hull.size(), hull.size() - 1, hull.size() / 2}) {
-        std::vector<CompactTet> tets(2 * numFacets + 1);
-        std::vector<Slot> slots(numFacets);
-        for (std::size_t i = 0; i < numFacets; ++i)
-            slots[i] = static_cast<Slot>(i % 2 == 0 ? i + 1 : 2 * numFacets - i);
-        const std::size_t numUnpaired =
-            edges.linkByHashing(hull, numFacets, slots.data(), tets.data());
-        std::map<std::pair<std::uint32_t, std::uint32_t>, std::pair<Slot, unsigned>> places;
-        for (std::size_t i = 0; i < numFacets; ++i)
-            for (unsigned k = 0; k < 3; ++k)
-                places[{hull[i].number[k], hull[i].number[(k + 1) % 3]}] = {slots[i],
-                                                                            (k + 2) % 3 + 1};
-        std::size_t numOpen = 0;
-        for (const auto& [edge, place] : places) {
-            const auto partner = places.find({edge.second, edge.first});
-            if (partner == places.end()) {
-                ++numOpen;
-                continue;
-            }
-            EXPECT_EQ(tets[place.first].link[place.second],
-                      facetCode(partner->second.first, partner->second.second));
-        }
-        EXPECT_EQ(numUnpaired, numOpen);
-        EXPECT_EQ(numUnpaired == 0, numFacets == hull.size());
-    }
 }
 
 /// The compact mesh of vertices inserted one by one, where numbers given to the vertices of

@@ -94,29 +94,6 @@ TEST(Location, latticeQueriesFromEveryTetrahedron) {
         EXPECT_GT(counts[place], 10) << place;
 }
 
-TEST(Location, nothingToFindWithoutTetrahedra) {
-    Varn_3D mesh;
-    EXPECT_EQ(mesh.locate({0, 0, 0}), nullptr);
-    Points flat = grid(3, 3, 1);
-    outputOf([&] { mesh.insert(flat); });
-    EXPECT_EQ(mesh.locate({1, 1, 0}), nullptr);
-    EXPECT_FALSE(mesh.is3D());
-}
-
-TEST(Location, refusesWhatIsNotFinite) {
-    Varn_3D mesh;
-    for (const double bad :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
-        const std::string output = outputOf([&] {
-            EXPECT_THROW(mesh.locate({0, bad, 0}), VarnException);
-        });
-        EXPECT_THAT(output, testing::StartsWith(
-                                "\n      Dt3::locate(), ERROR: point 0 has a non-finite "
-                                "coordinate\n\n\n      Varn, , ERROR: Condition [ std::isfinite "
-                                "failed ]\n\n      dt3Library/Dt3.cpp:"));
-    }
-}
-
 // No sound mesh leads a walk in circles, so links that do have to be planted.
 TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
     Dt3 engine;

@@ -61,6 +61,15 @@ Points part(const Points& points, std::size_t k, std::size_t ofParts) {
     return {at(k), at(k + 1)};
 }
 
+/// Sharing few cells of any grid over all: near each other, and on all sides of zero.
+Points crowdAndOutlier() {
+    Points points{{1e12, 3e11, -1e12}};
+    for (const double x : {-1.0, -0.0, 1e-310, 1.0})
+        for (const double y : {-1e-310, 0.0, 0.7})
+            for (const double z : {-3.0, -0.0, 2e-310}) points.emplace_back(x, y, z);
+    return shuffled(points, 18);
+}
+
 const NamedMode MODES[] = {
     {"batch", [](Recorder& r, const Points& p) { r.batch(p); }},
     {"reversedBatch", [](Recorder& r, const Points& p) { r.batch(reversed(p)); }},
@@ -68,6 +77,13 @@ const NamedMode MODES[] = {
     {"threeBatches",
      [](Recorder& r, const Points& p) {
          for (std::size_t k = 0; k < 3; ++k) r.batch(part(p, k, 3));
+     }},
+    // One vertex waits and one point is a repetition: as many vertices as points in the batch.
+    {"singleThenBatchWithARepetition",
+     [](Recorder& r, const Points& p) {
+         if (p.empty()) return;
+         r.singles({p.front()});
+         r.batch(Points(p.begin() + 1, p.end()) + Points{p.back()});
      }},
     {"batchThenSingles",
      [](Recorder& r, const Points& p) {
@@ -78,8 +94,8 @@ const NamedMode MODES[] = {
      [](Recorder& r, const Points& p) {
          r.singles(part(p, 0, 3));
          r.batch(part(p, 1, 3) + part(p, 2, 3));
-         r.batch(p);
-         r.singles(p);
+         r.batch(withSignsOfZerosExchanged(p));
+         r.singles(withSignsOfZerosExchanged(p));
      }},
 };
 
@@ -129,6 +145,7 @@ TEST_P(MeshOracle, degenerateLadder) {
         {"skew segments", skewSegments(12), true},
         {"helix", helix(25), true},
         {"last bits", uniform(25, 15, 1.0, 1.0 + 0x1p-49), true},
+        {"crowd and outlier", crowdAndOutlier(), true},
         {"far apart", uniform(12, 16) + uniform(12, 17, 1e12, 2e12), true},
     };
     for (const auto& [name, points, b3D] : ladder) {

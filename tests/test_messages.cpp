@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
@@ -85,17 +86,21 @@ TEST(MessagesDeathTest, HellIsAnAccessFault) {
 }
 
 TEST(Timers, StartAndStopInTurn) {
+    using Clock = std::chrono::steady_clock;
     double result = 0.0;
+    const Clock::time_point start = Clock::now();
     EXPECT_EQ(outputOf([&] { result = timer("x"); }), "\n*** Timer [x] start\n");
     EXPECT_EQ(result, -1.0);
     outputOf([] { timer("y"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
     EXPECT_THAT(outputOf([&] {
                     result = timer("x");
                     messageStream() << 0.5;
                 }),
                 ::testing::MatchesRegex("\\*\\*\\* Timer \\[x\\] stop, elapsed time: "
                                         "[0-9]+\\.[0-9][0-9][0-9] s\n0\\.500000"));
-    EXPECT_GE(result, 0.0);
+    EXPECT_GE(result, 0.002);
+    EXPECT_LE(result, std::chrono::duration<double>(Clock::now() - start).count());
     outputOf([&] { result = timer("x"); });
     EXPECT_EQ(result, -1.0);
 }

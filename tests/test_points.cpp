@@ -40,6 +40,7 @@ TEST(Point3, DefaultPointLiesBelowAllOthers) {
 TEST(Point3, CopiesForgetTheTetrahedronAndAssignmentsKeepIt) {
     Point3 vertex(1, 2, 3);
     vertex.setOneTet(anyTet());
+    vertex.setIndex(7);
     const Point3 copy(vertex);
     expectCoordinates(copy, 1, 2, 3);
     EXPECT_EQ(copy.getOneTet(), nullptr);
@@ -48,10 +49,14 @@ TEST(Point3, CopiesForgetTheTetrahedronAndAssignmentsKeepIt) {
     assigned = vertex;
     expectCoordinates(assigned, 1, 2, 3);
     EXPECT_EQ(assigned.getOneTet(), anyTet());
+    EXPECT_TRUE(copy.getIndex() == 7 && assigned.getIndex() == 7);
 
     assigned.exchange(7, 8, 9);
     EXPECT_EQ(assigned.getOneTet(), anyTet());
-    EXPECT_EQ((assigned + Vector3(1, 1, 1)).getOneTet(), nullptr);
+    const Point3 moved = assigned + Vector3(1, 2, 4);
+    expectCoordinates(moved, 8, 10, 13);
+    EXPECT_EQ(moved.getOneTet(), nullptr);
+    EXPECT_EQ(Point3(0, 0, 0) + (assigned - moved), Point3(-1, -2, -4));
     assigned.init(vertex);
     expectCoordinates(assigned, 1, 2, 3);
     EXPECT_EQ(assigned.getOneTet(), nullptr);
@@ -102,6 +107,8 @@ TEST(Vector3, NormalsAndTheirWarnings) {
         EXPECT_EQ(normal.y, 0.0);
         EXPECT_EQ(normal.z, row.z);
     }
+    // Too short for its square to be a number.
+    EXPECT_EQ(outputOf([] { EXPECT_EQ(normalize(Vector3(1e-200, 0, 0)).x, 0.0); }), warning);
     const Vector3 unit = normalize(Vector3(2, -3, 6));
     EXPECT_DOUBLE_EQ(unit.x, 2.0 / 7.0);
     EXPECT_DOUBLE_EQ(unit.y, -3.0 / 7.0);
@@ -123,9 +130,19 @@ TEST(Bbox3, GrowsAndTellsWhetherItDid) {
             EXPECT_FALSE(box.add(std::vector<Point3>{p, p}));
         }
     EXPECT_EQ(outputOf([&] { box.debug(); }), "Bbox3: (-9,-8,-7) -> (11,12,13)\n");
-    EXPECT_EQ(box.getMinCoord(), -9);
-    EXPECT_EQ(box.getMaxCoord(), 13);
-    EXPECT_EQ(box.getMaxRange(), 20);
+
+    for (int turns = 0; turns < 3; ++turns) {  // each axis in each role
+        const auto turned = [=](double a, double b, double c) {
+            return turns == 0 ? Point3(a, b, c) : turns == 1 ? Point3(b, c, a) : Point3(c, a, b);
+        };
+        const Bbox3 b({turned(-3, 2, 7), turned(10, 20, 9)});
+        EXPECT_EQ(Point3(b.getMinX(), b.getMinY(), b.getMinZ()), turned(-3, 2, 7));
+        EXPECT_EQ(Point3(b.getMaxX(), b.getMaxY(), b.getMaxZ()), turned(10, 20, 9));
+        EXPECT_EQ(Point3(b.getRangeX(), b.getRangeY(), b.getRangeZ()), turned(13, 18, 2));
+        EXPECT_EQ(b.getMinCoord(), -3);
+        EXPECT_EQ(b.getMaxCoord(), 20);
+        EXPECT_EQ(b.getMaxRange(), 18);
+    }
 
     // A box whose smallest x is the largest double counts as empty: its next points are its first.
     Bbox3 farthest;
@@ -154,14 +171,16 @@ TEST(Bbox3, SumsAndEnlargements) {
 }
 
 TEST(Triangle3, CornersNeighboursAndOutput) {
-    Point3 a(0, 0, 0), b(3, 0, 0), c(0, 6, 9), d(1, 1, 1);
+    Point3 a(-1, 2, 4), b(3, 1, 1), c(1, 3, 4), d(1, 1, 1);
     Triangle3 triangle(&a, &b, &c);
-    Triangle3 other(&b, &a, &d);
+    Triangle3 other(&b, &a, &d), third(&a, &c, &d);
     triangle.setNeig(2, &other);
+    triangle.setNeig(0, &third);
     Point3* const corners[3] = {&a, &b, &c};
+    Triangle3* const neighbours[3] = {&third, nullptr, &other};
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(triangle.getCorner(i), corners[i]);
-        EXPECT_EQ(triangle.getNeig(i), i == 2 ? &other : nullptr);
+        EXPECT_EQ(triangle.getNeig(i), neighbours[i]);
         EXPECT_EQ(triangle.getIntraTriangleIndex(corners[i]), i);
         EXPECT_EQ(triangle.getIntraTriangleIndex(corners[(i + 1) % 3], corners[(i + 2) % 3]), i);
         EXPECT_EQ(triangle.getIntraTriangleIndex(corners[(i + 2) % 3], corners[(i + 1) % 3]), i);
@@ -196,6 +215,8 @@ TEST(Triangle3, CornersNeighboursAndOutput) {
 
 TEST(SegmentsAndBalls, Output) {
     const Segment3 segment(Point3(1, 2, 3), Point3(4, 5, 6));
+    expectCoordinates(segment.getSrc(), 1, 2, 3);
+    expectCoordinates(segment.getTrg(), 4, 5, 6);
     EXPECT_THAT(outputOf([&] { segment.debug(); }),
                 ::testing::MatchesRegex("Segment3: 0x[0-9a-f]+\t       1,        2,        3,"
                                         "0x[0-9a-f]+\t       4,        5,        6\n"));

@@ -74,6 +74,22 @@ void expectCircumcentre(const FivePoints& points) {
     }
 }
 
+/// A point and the facets of the scratch tetrahedron, one by one and in one look: certain or
+/// nothing.
+void expectFacetsSeenTruly(const GeomTest3& predicates, const Point3& p) {
+    const FacetSides sides = predicates.seeFacets(&scratchTet(), &p);
+    for (int i = 0; i < 4; ++i) {
+        const Point3* corners[4];
+        for (int k = 0; k < 4; ++k) corners[k] = k == i ? &p : scratchTet().getCorner(k);
+        const int exact = exactOrientation(*corners[0], *corners[1], *corners[2], *corners[3]);
+        EXPECT_EQ(signOfOrientation(predicates.getOrientation3(&scratchTet(), i, &p)), exact);
+        const double side = sides.orientation[i];
+        const int seen = side > sides.bound ? 1 : side < -sides.bound ? -1 : 0;
+        EXPECT_TRUE(seen == 0 || seen == exact);
+        EXPECT_EQ(sides.notInner >> i & 1U, seen > 0 ? 0U : 1U);
+    }
+}
+
 /// Everything about five points against exact arithmetic.
 void expectExact(FivePoints points) {
     const GeomTest3 predicates;
@@ -98,6 +114,7 @@ void expectExact(FivePoints points) {
               inside > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE)
         << describe(points);
     expectCircumcentre(points);
+    expectFacetsSeenTruly(predicates, e);
     ASSERT_EQ(predicates.isOnSphere(&scratchTet(), &e), inside == 0) << describe(points);
     expectNoStageErrs<predicateStages::Sphere>({{&a, &b, &c, &d, &e}},
                                                predicates.getConstants().isperrboundA, -inside);
@@ -185,48 +202,8 @@ TEST(GeomTest3, ConstantsAreThoseOfIeeeDoubles) {
     EXPECT_EQ(constants.isperrboundA, 1.7763568394002532e-15);
     EXPECT_EQ(constants.isperrboundB, 5.551115123125792e-16);
     EXPECT_EQ(constants.isperrboundC, 8.751425667295619e-31);
-}
-
-TEST(GeomTest3, OrientationOfAFacetAgainstAPoint) {
-    const GeomTest3 predicates;
-    Point3 corners[4] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
-    EXPECT_EQ(predicates.getOrientation3(&corners[0], &corners[1], &corners[2], &corners[3]),
-              ORIENTATION3_POSITIVE);
-    scratchTet().setProperties(&corners[0], &corners[1], &corners[2], &corners[3]);
-    for (int i = 0; i < 4; ++i) {
-        const Point3& own = corners[i];
-        // The facet's centre, times three, and the corner mirrored there.
-        double x = -own.x(), y = -own.y(), z = -own.z();
-        for (const Point3& p : corners) {
-            x += p.x();
-            y += p.y();
-            z += p.z();
-        }
-        const Point3 beyond(x - own.x(), y - own.y(), z - own.z());
-        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &own), ORIENTATION3_POSITIVE);
-        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &beyond), ORIENTATION3_NEGATIVE);
-        EXPECT_EQ(predicates.getOrientation3(&scratchTet(), i, &corners[(i + 1) % 4]),
-                  ORIENTATION3_COPLANAR);
-    }
-}
-
-TEST(GeomTest3, CornersAreInsideAtEverySize) {
-    const GeomTest3 predicates;
-    for (const double size : {1.0, 0.1, 1e-70, 1e-200, 5e-324, 1e100, 1.7e308}) {
-        Point3 corners[4] = {{0, 0, 0}, {size, 0, 0}, {0, size, 0}, {0, 0, size}};
-        scratchTet().setProperties(&corners[0], &corners[1], &corners[2], &corners[3]);
-        for (const Point3& corner : corners) {
-            const Point3 same(corner.x(), corner.y() + 0.0, corner.z());
-            const Point3 negativeZeros(corner.x() == 0.0 ? -0.0 : corner.x(), same.y(), same.z());
-            for (const Point3* p : {&corner, &same, &negativeZeros})
-                EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), p), SIC_INSIDE) << size;
-        }
-        // Not a corner, though every product underflows at the small sizes.
-        const Point3 onSphere(size, size, size);
-        const Point3 outside(-size, -size, -size);
-        EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), &onSphere), SIC_OUTSIDE) << size;
-        EXPECT_EQ(predicates.sphereInclusionTest(&scratchTet(), &outside), SIC_OUTSIDE) << size;
-    }
+    EXPECT_EQ(predicateStages::ORIENTATION_FILTER_BOUND, constants.o3derrboundA);
+    EXPECT_EQ(predicateStages::SPHERE_FILTER_BOUND, constants.isperrboundA);
 }
 
 TEST(GeomTest3, OrientationsHaveNames) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "tests/support/Exact.h"
 #include "tests/support/LaneSpheres.h"
 #include "tests/support/PointSets.h"
+#include "tests/support/PredicateInput.h"
 
 namespace {
 
@@ -85,6 +87,41 @@ TEST(Spheres, whatHasNoSphereOrTooLargeAOneIsNotCertified) {
           makeSphere(a, b, inside, far, 1.0), makeSphere(a, b, inside, beyond, 1.0),
           makeSphere(inside, x, y, z, 1.0)})
         for (const auto& query : point) EXPECT_EQ(sideOfSphere(sphere, query), 0);
+}
+
+TEST(Spheres, theDeterminantsInLanesAreCertainOfTheTruthOnly) {
+    const GeomTest3 predicates;
+    BatchState state(predicates, 5, 4, true);
+    CompactTet* const tets = state.mesh.tets();
+    tets[1] = {{}, 0.0F, {1, 2, 3, 4}, 0, {}};
+    tets[2] = {{}, 0.0F, {AT_INFINITY, 1, 2, 3}, 0, {}};
+    std::map<int, int> counts;
+    for (const support::PredicateInput& input : support::predicateInputs()) {
+        Random r(3);
+        for (int i = 0; i < 400; ++i) {
+            const support::FivePoints points = input.make(r);
+            const auto& [a, b, c, d, e] = points;
+            double largest = 0.0;
+            for (VertexNumber v = 1; v <= 5; ++v) {
+                auto& at = state.mesh.vertices()[v].at;
+                points[v - 1].xyz(at[0], at[1], at[2]);
+                for (const double coordinate : at)
+                    largest = std::fmax(largest, std::fabs(coordinate));
+            }
+            state.bCertified = largest > 0x1p-30 && largest < 0x1p30;
+            state.orientationLattice = state.sphereLattice = 0.0;
+            state.findLattice(5);
+            const int expected[] = {9, -support::exactInSphere(a, b, c, d, e),
+                                    -support::exactOrientation(a, b, c, e)};
+            for (const Spheres& steps : support::kernelSpheres())
+                for (const Slot slot : {1U, 2U}) {
+                    const int sign = steps.sign(state, slot, 5);
+                    EXPECT_TRUE(sign == 9 || sign == expected[slot]) << input.name;
+                    ++counts[sign];
+                }
+        }
+    }
+    for (const int sign : {-1, 0, 1, 9}) EXPECT_GT(counts[sign], 1000) << sign;
 }
 
 /// Whether one power of two takes all differences of the given points to those of the moved ones.

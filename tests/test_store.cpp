@@ -149,6 +149,7 @@ TEST(Store, boxesGrowByTheirFactors) {
 TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurve) {
     Store store;
     std::map<Coordinates, Point3*> known;
+    Handles stored;  // in the order of their storing
     std::size_t mostInACell = 0;
     for (std::uint64_t round = 0; round < 6; ++round) {
         // Later rounds leave the box; many points share a cell and some are equal, and the last
@@ -165,6 +166,7 @@ TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurv
                 cells[store.plainKey(points[i])].push_back(store.handles[i]);
         std::vector<Point3*> expected;
         for (const auto& [key, cell] : cells) {
+            stored.insert(stored.end(), cell.begin(), cell.end());
             const Handles ordered = cell.size() > 8 ? alongFinerCurves(cell) : cell;
             expected.insert(expected.end(), ordered.begin(), ordered.end());
             mostInACell = std::max(mostInACell, cell.size());
@@ -176,23 +178,56 @@ TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurv
             ASSERT_EQ(store.handles[i], known.at(coordinatesOf(points[i])));
         }
 
-        EXPECT_EQ(store.hc3.getNumVertices(), known.size());
-        std::vector<Point3*> listed;
-        store.hc3.getVertices(listed);
-        EXPECT_EQ(listed.size(), known.size());
-        EXPECT_EQ(std::set<Point3*>(listed.begin(), listed.end()).size(), known.size());
-        EXPECT_TRUE(std::is_sorted(listed.begin(), listed.end(), [&](Point3* a, Point3* b) {
-            return store.plainKey(*a) < store.plainKey(*b);
-        }));
+        // A list follows what stands in the vector, in curve order as the box is now; singles in
+        // the box leave that as it is.
+        for (const bool bSingle : {false, true}) {
+            const Point3 single = *store.handles[0] + Vector3(0.0, 0.0, bSingle ? 1e-3 : 0.0);
+            Point3* const handle = store.hc3.insertOne(single).first;
+            if (known.emplace(coordinatesOf(single), handle).second) stored.push_back(handle);
+            EXPECT_EQ(handle, known.at(coordinatesOf(single)));
+            EXPECT_EQ(store.hc3.getNumVertices(), known.size());
+            Handles inOrder = stored, listed{handle};
+            std::stable_sort(inOrder.begin(), inOrder.end(), [&](Point3* a, Point3* b) {
+                return store.plainKey(*a) < store.plainKey(*b);
+            });
+            inOrder.insert(inOrder.begin(), handle);
+            store.hc3.getVertices(listed);
+            EXPECT_EQ(listed, inOrder);
+        }
     }
     EXPECT_GT(mostInACell, 50U);
 }
 
+// Whatever the coordinates: cells of thousands, denormals, zeros of either sign.
+TEST(Store, pointsAreFoundAgainAndNothingIsNew) {
+    const Points sets[] = {uniform(1500, 1, -1.0, 1.0), lattice(1500, 30, 30, 30, 1),
+                           nestedClusters(1500),
+                           mixedExponents(1500, -1074, -1000) + mixedExponents(500, -1, 1)};
+    for (Points points : sets)
+        for (const double far : {1.0, 1e15, 1e308}) {
+            Store store;
+            points.push_back({-far, far, 0.0});
+            const auto third = points.begin() + 500;
+            store.insert({points.begin(), third});
+            Handles handles = store.handles;
+            store.insert({third, points.end()});
+            handles.insert(handles.end(), store.handles.begin(), store.handles.end());
+            const std::size_t numVertices = store.hc3.getNumVertices();
+            points = withSignsOfZerosExchanged(points);
+            store.insert(points);
+            EXPECT_EQ(store.handles, handles);
+            EXPECT_TRUE(store.added.empty());
+            for (std::size_t i = 0; i < points.size(); ++i)
+                EXPECT_EQ(store.hc3.insertOne(points[i]).first, handles[i]);
+            EXPECT_EQ(store.hc3.getNumVertices(), numVertices);
+        }
+}
+
 TEST(Store, aStartTetrahedronIsFoundWhereverItIs) {
     Tet3 tet;
-    for (const std::size_t owner : {0U, 57U, 199U}) {
+    for (const std::size_t owner : {0U, 57U, 599U}) {
         Store store;
-        const Points points = uniform(200, 1);
+        const Points points = uniform(600, 1);
         store.insert(points);
         EXPECT_EQ(store.hc3.findStartTet({0.5, 0.5, 0.5}), nullptr);
         EXPECT_EQ(store.hc3.insertOne({0.5, 0.5, 0.5}).second, nullptr);

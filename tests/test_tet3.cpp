@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cmath>
 #include <functional>
 #include <memory>
@@ -80,13 +79,18 @@ TEST_F(Tets, FacetsAndEdgesFollowTheConventions) {
 
 TEST_F(Tets, NewPropertiesReplaceEverything) {
     tet->setOppTet(2, stranger.get());
+    tet->setOppTet(3, stranger.get());
     tet->setCustomIndex(5);
     MeshAccess::visited(tet.get()) = true;
     *stranger = *tet;
     EXPECT_EQ(MeshAccess::label(stranger.get()), MeshAccess::label(tet.get()));
-    EXPECT_EQ(stranger->getOppTet(2), stranger.get());
     EXPECT_EQ(stranger->getCustomIndex(), 5);
     EXPECT_TRUE(MeshAccess::visited(stranger.get()));
+    EXPECT_THAT(printed(*stranger), HasSubstr("hasBeenVisited=1, "));
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(stranger->getCorner(i), &p[i]);
+        EXPECT_EQ(stranger->getOppTet(i), i < 2 ? nullptr : stranger.get());
+    }
 
     tet->setProperties(&p[4], &p[3], &p[2], &p[1]);
     for (int i = 0; i < 4; ++i) {
@@ -96,19 +100,6 @@ TEST_F(Tets, NewPropertiesReplaceEverything) {
     }
     EXPECT_EQ(tet->getCustomIndex(), -1);
     EXPECT_FALSE(MeshAccess::visited(tet.get()));
-}
-
-TEST_F(Tets, LabelsWrapAroundAfterTheLargest) {
-    Tet3::runningLabel = INT_MAX;
-    tet->setProperties(&p[0], &p[1], &p[2], &p[3]);
-    EXPECT_EQ(MeshAccess::label(tet.get()), INT_MAX);
-    tet->setProperties(&p[0], &p[1], &p[2], &p[3]);
-    EXPECT_EQ(MeshAccess::label(tet.get()), INT_MIN);
-    stranger->setProperties(&p[0], &p[1], &p[2], &p[3]);
-    EXPECT_EQ(MeshAccess::label(stranger.get()), INT_MIN + 1);
-    Tet3::runningLabel = INT_MAX;
-    EXPECT_EQ(MeshAccess::reserveLabels(3), 0x7FFFFFFFU);
-    EXPECT_EQ(Tet3::runningLabel, INT_MIN + 2);
 }
 
 TEST_F(Tets, CornersAreFoundByAddressOrCoordinates) {
@@ -122,7 +113,8 @@ TEST_F(Tets, CornersAreFoundByAddressOrCoordinates) {
         EXPECT_FALSE(tet->hasVertex(&copy));
         EXPECT_TRUE(tet->hasVertex(copy));
     }
-    EXPECT_FALSE(tet->hasVertex(p[4]));
+    for (const Point3& other : {Point3(2, 0, 1), Point3(2, 1, 0), Point3(1, 0, 0), p[4]})
+        EXPECT_FALSE(tet->hasVertex(other));
     EXPECT_FALSE(makeTet()->hasVertex(p[0]));  // without corners
     EXPECT_TRUE(tet->getCircumcenter() == Point3(1, 1, 1));
     tet->setCorner(3, &p[4]);
@@ -254,4 +246,7 @@ TEST_F(TetsDeathTest, InconsistentNeighboursEndTheProcess) {
         ::testing::AllOf(HasSubstr("Tet3::haveCommonFacet() ERROR\n" + printed(*tet)),
                          HasSubstr("...with index 1\n0,3,2\n" + printed(*stranger)),
                          HasSubstr("...with index 3\n0,2,1\n")));
+    // One common corner is no common facet, nor are two.
+    stranger->setProperties(&p[4], &p[3], &p[2], &p[4]);
+    EXPECT_EXIT(Tet3::haveCommonFacet(tet.get(), 1, stranger.get(), 3), ExitedWithCode(1), "");
 }

@@ -34,6 +34,9 @@ TEST(RandomData, ASeedRepeatsItsNumbers) {
     EXPECT_NE(numbers, numbersOf(300, -2.0, 3.0, 8));
     EXPECT_NE(numbersOf(300, -2.0, 3.0, 0), numbersOf(300, -2.0, 3.0, 0));
     for (const double number : numbers) EXPECT_TRUE(number >= -2.0 && number < 3.0);
+    std::vector<double> more(1, 9.0);
+    generateRandomNumbers(2, -2.0, 3.0, more, 7);
+    EXPECT_EQ(more, (std::vector<double>{9.0, numbers[0], numbers[1]}));
 
     std::vector<Point3> points(1, Point3(9, 9, 9));
     generateRandomPoints(100, -2.0, 3.0, points, 7);

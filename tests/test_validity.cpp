@@ -90,6 +90,11 @@ std::string openedFile(const std::string& name) {
     return "Visualizer, writing " + name + "\n  Writing " + name + "\n";
 }
 
+std::string failedCheck(const std::string& condition, int line) {
+    return text("\n      Varn, , ERROR: Condition [ ", condition,
+                " failed ]\n\n      dt3Library/Dt3.cpp:", line, "\n");
+}
+
 /// Two tetrahedra on either side of a triangle, in a directory of its own for the dump files.
 class Validity : public testing::Test {
   protected:
@@ -135,8 +140,12 @@ class Validity : public testing::Test {
 TEST_F(Validity, soundMeshesPass) {
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
     EXPECT_EQ(check(false, true), head(2, false) + PASSED);
-    EXPECT_EQ(outputOf([&] { EXPECT_TRUE(engine.checkValidity("here", true)); }),
-              head(2, true) + PASSED);
+    // A listed vertex that equals one of the mesh is replaced by it, and nothing changes.
+    Point3 equal(*handles[2]);
+    std::vector<Point3*> list{&equal};
+    engine.triangulate(list, tets[0]);
+    EXPECT_EQ(list[0], handles[2]);
+    EXPECT_EQ(check(true, true), head(2, true) + PASSED);
     const Dt3 empty;
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true)); }),
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);
@@ -157,6 +166,24 @@ TEST_F(Validity, aMarkLeftBehindIsAnError) {
         MeshAccess::visited(tet) = false;
     }
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
+}
+
+TEST_F(Validity, insertionsBesideAMarkFail) {
+    const double z = tets[0]->getCorner(shared)->z();
+    const Points points = {{1.02, 1.03, 0.9 * z}};  // in tets[0], beside its own corner
+    const auto failure = [&] {
+        return outputOf([&] { EXPECT_THROW(engine.insert(points[0]), VarnException); });
+    };
+    for (Tet3* tet : tets) MeshAccess::visited(tet) = true;
+    EXPECT_EQ(failure(), failedCheck("!pLastTet->hasBeenVisited", 350));
+    std::vector<Point3*> more;
+    EXPECT_EQ(outputOf([&] { EXPECT_THROW(engine.insert(points, more), VarnException); }),
+              "numPoints=1\n" + failedCheck("!pCurTet->hasBeenVisited", 789));
+    // A marked neighbour is taken for one of the region, and three facets find no partner.
+    MeshAccess::visited(tets[0]) = false;
+    for (Point3* handle : handles) handle->setOneTet(tets[0]);
+    EXPECT_EQ(failure(),
+              "numStoredTCS after insertVertex: 3\n" + failedCheck("numStoredTCS==0", 920));
 }
 
 TEST_F(Validity, aVertexOnTheWrongSideIsReportedAndDumped) {

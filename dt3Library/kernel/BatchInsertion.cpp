@@ -111,8 +111,7 @@ void BatchInsertion::insertBesideEarlier(VertexNumber& vertex) {
     const EarlierNeighbours neighbours(points, vertex);
     state->listIncident();
     StartsAhead starts(*state, neighbours, vertex, static_cast<VertexNumber>(points.size() - 1));
-    for (; goesOnAt(vertex); ++vertex)
-        steps.insertVertex(*state, vertex, starts.startFor(vertex));
+    for (; goesOnAt(vertex); ++vertex) steps.insertVertex(*state, vertex, starts.startFor(vertex));
 }
 
 }  // namespace VARN3D

@@ -51,9 +51,8 @@ class StartsAhead {
     void choose(VertexNumber vertex) {
         Coming& chosen = comingAt(vertex);
         chosen.numOutermost = 0;
-        chosen.near = vertex > lastVertex
-                          ? AT_INFINITY
-                          : neighbours.nearestTo(state.mesh.vertices(), vertex);
+        chosen.near =
+            vertex > lastVertex ? AT_INFINITY : neighbours.nearestTo(state.mesh.vertices(), vertex);
         prefetchLine(state.incident.data() + chosen.near);
     }
 

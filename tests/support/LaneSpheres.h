@@ -29,11 +29,12 @@ namespace support {
 /// The cached spheres as hosts have them: the kernel's, in each compilation that runs here.
 inline std::vector<Spheres> kernelSpheres() {
     constexpr double ETA = VARN3D::ProvedCertificate::ETA;
-    std::vector<Spheres> all{
-        {"portable", VARN3D::portable::makeInLanes, VARN3D::portable::sideInLanes, ETA}};
+    std::vector<Spheres> all{{"portable", VARN3D::portable::makeInLanes,
+                              VARN3D::portable::sideInLanes, VARN3D::portable::signInLanes, ETA}};
 #ifdef VARN3D_HAS_AVX2
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma"))
-        all.push_back({"avx2", VARN3D::avx2::makeInLanes, VARN3D::avx2::sideInLanes, ETA});
+        all.push_back({"avx2", VARN3D::avx2::makeInLanes, VARN3D::avx2::sideInLanes,
+                       VARN3D::avx2::signInLanes, ETA});
 #endif
     return all;
 }

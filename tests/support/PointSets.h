@@ -62,6 +62,17 @@ inline Points gaussian(std::size_t n, std::uint64_t seed) {
     });
 }
 
+/// Coordinates of these exponents, of either sign.
+inline Points mixedExponents(std::size_t n, int min, int max) {
+    Random r(3);
+    const auto any = [&] { return std::ldexp(r.unit() - 0.5, r.below(max - min) + min); };
+    return generate(n, [&] {
+        const double x = any();
+        const double y = any();
+        return VARN3D::Point3(x, y, any());
+    });
+}
+
 /// Random points of an integer lattice: full of equal, collinear, coplanar and cospherical ones.
 inline Points lattice(std::size_t n, int sideX, int sideY, int sideZ, std::uint64_t seed) {
     Random r(seed);
@@ -164,6 +175,13 @@ inline Points shuffled(Points points, std::uint64_t seed) {
     Random r(seed);
     for (std::size_t i = points.size(); i > 1; --i)
         std::swap(points[i - 1], points[static_cast<std::size_t>(r.below(static_cast<int>(i)))]);
+    return points;
+}
+
+/// The same points, written otherwise.
+inline Points withSignsOfZerosExchanged(Points points) {
+    const auto other = [](double c) { return c == 0.0 ? -c : c; };
+    for (VARN3D::Point3& p : points) p.exchange(other(p.x()), other(p.y()), other(p.z()));
     return points;
 }
 

@@ -169,6 +169,11 @@ inline const std::vector<PredicateInput>& predicateInputs() {
              return points;
          }},
         {"small", [](Random& r) { return fromCoordinates([&] { return 1e-60 * r.unit(); }); }},
+        {"productsUnderflow",
+         [](Random& r) {
+             const double size = std::ldexp(1.0, -345 - r.below(20));
+             return fromCoordinates([&] { return size * r.unit(); });
+         }},
         {"smaller", [](Random& r) { return fromCoordinates([&] { return 1e-250 * r.unit(); }); }},
         {"denormal", [](Random& r) { return fromCoordinates([&] { return 2e-322 * r.unit(); }); }},
         {"large", [](Random& r) { return fromCoordinates([&] { return 1e61 * r.unit(); }); }},

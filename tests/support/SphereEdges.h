@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Exact.h"
+#include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/CertifiedSphere.h"
 #include "dt3Library/kernel/ExactFrame.h"
 
@@ -100,6 +101,8 @@ struct Spheres {
     VARN3D::CachedSphere (*make)(const double (&)[3], const double (&)[3], const double (&)[3],
                                  const double (&)[3], double);
     int (*side)(const VARN3D::CachedSphere&, const double (&)[3]);
+    /// Of the kernel's determinants.
+    int (*sign)(const VARN3D::BatchState&, VARN3D::Slot, VARN3D::VertexNumber);
     /// What its undecided band is meant to be.
     double eta;
     /// Whether the points are moved by the frame, or by the middle of their cube come what may.
@@ -108,7 +111,7 @@ struct Spheres {
 
 template <class Certificate>
 constexpr Spheres scalarSpheres(const char* name) {
-    return {name, &VARN3D::makeSphere<Certificate>, &VARN3D::sideOfSphere<Certificate>,
+    return {name, &VARN3D::makeSphere<Certificate>, &VARN3D::sideOfSphere<Certificate>, nullptr,
             Certificate::ETA};
 }
 

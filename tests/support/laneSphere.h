@@ -24,3 +24,14 @@ LANE_TARGET inline int sideInLanes(const CachedSphere& sphere, const double (&q)
     if (inside % 15 != 0 || outside % 15 != 0) return 9;
     return (outside != 0 ? 1 : 0) - (inside != 0 ? 1 : 0);
 }
+
+/// The sign of the steps' determinant of a vertex, and of a tetrahedron or the hull facet of a
+/// ghost; 9 where they are not certain of it.
+LANE_TARGET inline int signInLanes(const BatchState& state, Slot slot, VertexNumber vertex) {
+    const Slot slots[4] = {slot, slot, slot, slot};
+    const LanePositions p = positionOf(state.mesh.vertices()[vertex].at);
+    const bool bFinite = state.mesh.tets()[slot].cornerAtInfinity() == 4;
+    const auto [negative, positive, zero] =
+        bFinite ? testDeterminants(state, slots, p) : testHullFacets(state, slots, p);
+    return negative == 15 ? -1 : positive == 15 ? 1 : zero == 15 ? 0 : 9;
+}
