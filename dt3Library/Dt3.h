@@ -48,6 +48,7 @@ class Dt3 {
 
     Varn_3D* getOwner() const { return pOwner; }
     bool is3D() const { return bFullDimensional; }
+    int getDimension() const { return span.getDimension(); }
     void setVerbosity(bool bOn) { bVerbose = bOn; }
 
     // Insertion
