@@ -46,6 +46,7 @@ class Dt3 {
     Dt3& operator=(const Dt3&) = delete;
 
     bool is3D() const { return bFullDimensional; }
+    int getDimension() const { return span.getDimension(); }
     void setVerbosity(bool bOn) { bVerbose = bOn; }
 
     // Insertion

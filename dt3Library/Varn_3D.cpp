@@ -24,6 +24,10 @@ bool Varn_3D::is3D() const {
     return engine().is3D();
 }
 
+int Varn_3D::getDimension() const {
+    return pDt3->getDimension();
+}
+
 void Varn_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
     guarded("Varn_3D::insert()", [&] { engine().insert(vInputPoints, vUserHandles); });
 }

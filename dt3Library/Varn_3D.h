@@ -72,6 +72,9 @@ class VARN3D_EXPORT Varn_3D {
     /// Whether there are tetrahedra, which is so once a batch or a point was inserted that doesn't
     /// lie in one plane with all before. O(1).
     bool is3D() const;
+    /// What the points inserted so far span, decided exactly: space (3), a plane (2), a line (1),
+    /// a single place (0), or nothing as there are none (-1). O(1).
+    int getDimension() const;
 
     /// Inserts a batch. vUserHandles gets one vertex for each point, in input order; points with
     /// equal coordinates get the same one, which may be from an earlier insertion. If vUserHandles

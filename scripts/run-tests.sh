@@ -28,6 +28,7 @@ full_set() {
     quick_set
     cat <<'END'
 scripts/run-tests.sh together
+scripts/run-python-tests.sh
 scripts/run-valgrind.sh
 scripts/run-tests.sh thread=test_threads
 scripts/check-static.sh dt3Library/*.cpp dt3Library/*/*.cpp

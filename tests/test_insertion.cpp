@@ -314,4 +314,17 @@ TEST(Insertion, largeFlatInputNeedsNoSearch) {
     });
 }
 
+TEST(Insertion, dimensionIsWhatThePointsSpan) {
+    Varn_3D mesh;
+    std::vector<int> dimensions{mesh.getDimension()};
+    outputOf([&] {
+        for (const Point3& p :
+             Points{{1, 1, 1}, {1, 1, 1}, {2, 2, 2}, {3, 3, 3}, {1, 1, 5}, {0, 0, 9}, {0, 1, 0}}) {
+            mesh.insert(p);
+            dimensions.push_back(mesh.getDimension());
+        }
+    });
+    EXPECT_THAT(dimensions, testing::ElementsAre(-1, 0, 0, 1, 1, 2, 2, 3));
+}
+
 }  // namespace
