@@ -46,12 +46,8 @@ class FailureNote {
 
 }  // namespace
 
-Dt3::Dt3(Varn_3D* pTheOwner, const KernelSteps& theSteps)
-    : locator(predicates),
-      cavity(predicates, tets),
-      hull(predicates),
-      pOwner(pTheOwner),
-      kernelSteps(theSteps) {}
+Dt3::Dt3(const KernelSteps& theSteps)
+    : locator(predicates), cavity(predicates, tets), hull(predicates), kernelSteps(theSteps) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
@@ -69,15 +65,17 @@ void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHan
     messageStream() << "numPoints=" << n << std::endl;
     if (n == 0) return;
 
+    progress.begin(n);
     std::vector<Point3*> vNew;
     const HC3::Mark mark = store.mark();
     const AffineSpan spanBefore = span;
     try {
         {
             VARN3D_TIME(secondsStore);
-            store.insert(vInputPoints, vUserHandles, vNew);
+            store.insert(vInputPoints, vUserHandles, vNew, progress);
         }
-        takeInLeftOver(vNew);
+        // What a failed insertion may have left waiting joins the mesh now.
+        if (bFailed) vNew = listWaiting();
         if (bFullDimensional)
             insertLaterBatch(vNew);
         else if (spansSpace(vNew))
@@ -91,11 +89,7 @@ void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHan
         vUserHandles.clear();
         throw;
     }
-    if (!vNew.empty()) {
-        const FailureNote note(bFailed);
-        triangulate(vNew, startTetNear(*vNew.front()));
-    }
-    bFailed = false;
+    insertOneByOne(vNew);
 }
 
 /// Inserts a batch that is large against the mesh, and empties its list. A small one is left to be
@@ -133,7 +127,7 @@ void Dt3::insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints) {
 
 void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     VARN3D_TIME(secondsKernel);
-    BatchInsertion batch(predicates, kernelSteps, tets, store);
+    BatchInsertion batch(predicates, kernelSteps, tets, store, progress);
     pRecentTet = batch.run(vVertices, pStart);
     numInMesh = batch.getNumVertices();
     hull.forgetAll();
@@ -160,15 +154,38 @@ Point3* Dt3::insert(const Point3& point) {
     return pVtx;
 }
 
-/// If an insertion has failed since the last complete batch, lists what it may have left waiting
-/// as new as well.
-void Dt3::takeInLeftOver(std::vector<Point3*>& vNew) const {
-    if (!bFailed) return;
+std::size_t Dt3::insertWaiting() {
+    const std::size_t numBefore = numInMesh;
+    if (getNumWaiting() == 0) return 0;
+    ++revision;
+    std::vector<Point3*> vWaiting = listWaiting();
+    progress.begin(vWaiting.size());
+    if (bFullDimensional)
+        insertLaterBatch(vWaiting);
+    else if (spansSpace(vWaiting))
+        insertFirstBatch(vWaiting, 0);
+    else
+        return 0;
+    insertOneByOne(vWaiting);
+    return numInMesh - numBefore;
+}
+
+/// In the order in which a batch of them would be listed.
+std::vector<Point3*> Dt3::listWaiting() const {
     std::vector<Point3*> vVertices;
-    store.getVertices(vVertices);
-    vNew.clear();
-    for (Point3* vertex : vVertices)
-        if (vertex->getOneTet() == nullptr) vNew.push_back(vertex);
+    store.listForInsertion(vVertices);
+    const auto isInMesh = [](const Point3* vertex) { return vertex->getOneTet() != nullptr; };
+    vVertices.erase(std::remove_if(vVertices.begin(), vVertices.end(), isInMesh), vVertices.end());
+    return vVertices;
+}
+
+/// What is left of a batch.
+void Dt3::insertOneByOne(std::vector<Point3*>& vNew) {
+    if (!vNew.empty()) {
+        const FailureNote note(bFailed);
+        triangulate(vNew, startTetNear(*vNew.front()));
+    }
+    bFailed = false;
 }
 
 void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
@@ -180,8 +197,10 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
     // Only lists that are short beside the mesh come here: some vertex of the mesh is nearer to the
     // next one than the last one of the list.
     pRecentTet = pLastTet;
+    progress.setTotal(vVertices.size());
     InsertionOrder order(vVertices.size());
-    for (std::size_t position; order.next(position);) {
+    std::size_t done = 0;
+    for (std::size_t position; progress.goesOn(done) && order.next(position); ++done) {
         Point3*& pVtx = vVertices[position];
         insertVertex(pVtx, startTetNear(*pVtx));
     }

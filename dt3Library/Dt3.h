@@ -7,6 +7,7 @@
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/AffineSpan.h"
 #include "dt3Library/engine/Cavity.h"
 #include "dt3Library/engine/Locator.h"
@@ -16,8 +17,6 @@
 #include "dt3Library/kernel/BatchState.h"
 
 namespace VARN3D {
-
-class Varn_3D;
 
 /// The triangulation engine behind `Varn_3D`: incremental insertion by conflict regions. It owns
 /// vertices and tetrahedra and drives those who do the work.
@@ -42,11 +41,10 @@ class Varn_3D;
 class Dt3 {
   public:
     /// The mesh doesn't depend on the kernel's steps.
-    explicit Dt3(Varn_3D* pOwner, const KernelSteps& steps = fastestSteps());
+    explicit Dt3(const KernelSteps& steps = fastestSteps());
     Dt3(const Dt3&) = delete;
     Dt3& operator=(const Dt3&) = delete;
 
-    Varn_3D* getOwner() const { return pOwner; }
     bool is3D() const { return bFullDimensional; }
     int getDimension() const { return span.getDimension(); }
     void setVerbosity(bool bOn) { bVerbose = bOn; }
@@ -58,6 +56,9 @@ class Dt3 {
     void insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHandles);
     /// Single insertion.
     Point3* insert(const Point3& point);
+    /// Takes the vertices that wait into the mesh. Returns how many.
+    std::size_t insertWaiting();
+    BatchProgress& getProgress() { return progress; }
     /// Inserts the listed vertices, starting at a tetrahedron of the mesh. A vertex that equals one
     /// of the mesh is replaced by it in the list.
     void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
@@ -95,7 +96,8 @@ class Dt3 {
     void insertFirstBatch(std::vector<Point3*>& vNew, std::size_t numPoints);
     void insertLaterBatch(std::vector<Point3*>& vNew);
     void insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart);
-    void takeInLeftOver(std::vector<Point3*>& vNew) const;
+    std::vector<Point3*> listWaiting() const;
+    void insertOneByOne(std::vector<Point3*>& vNew);
     Tet3* startTetNear(const Point3& point);
     Tet3* insertAt(const WalkEnd& place, Point3*& pVtx);
 
@@ -109,9 +111,9 @@ class Dt3 {
     /// How many vertices are corners of tetrahedra.
     std::size_t numInMesh = 0;
     AffineSpan span;
-    Varn_3D* pOwner;
     const KernelSteps& kernelSteps;
     bool bVerbose = false;
+    BatchProgress progress;
     std::uint64_t revision = 0;
     /// Whether an insertion has failed and no batch has come to its end since.
     bool bFailed = false;

@@ -34,7 +34,7 @@ void orderWithinCell(Point3** first, Point3** last) {
 HC3::HC3(unsigned keyBits) : numBits(keyBits) {
     if (numBits == 0 || numBits >= 33 || numBits % 3 != 0) {
         messageStream() << "HC3::HC3(..): invalid bitlength" << std::endl;
-        varnAssertText(false, "false");
+        varnFail("the store's keys have an invalid length", "false");
     }
     vertices.init();
 }
@@ -57,16 +57,20 @@ void HC3::enlargeBox(double factor) {
 
 /// Grows the box to hold the points. Returns whether it has changed.
 bool HC3::growBox(const InputPoints& points) {
-    Point3 low = points[0];
-    Point3 high = low;
+    double low[3];
+    double high[3];
+    points[0].xyz(low[0], low[1], low[2]);
+    points[0].xyz(high[0], high[1], high[2]);
     for (std::size_t i = 1; i < points.size(); ++i) {
         const Point3 p = points[i];
-        low.exchange(std::min(low.x(), p.x()), std::min(low.y(), p.y()), std::min(low.z(), p.z()));
-        high.exchange(std::max(high.x(), p.x()), std::max(high.y(), p.y()),
-                      std::max(high.z(), p.z()));
+        const double at[3] = {p.x(), p.y(), p.z()};
+        for (int axis = 0; axis < 3; ++axis) {
+            low[axis] = std::min(low[axis], at[axis]);
+            high[axis] = std::max(high[axis], at[axis]);
+        }
     }
-    const bool bLower = bbox.add(low);
-    return bbox.add(high) || bLower;
+    const bool bLower = bbox.add(Point3(low[0], low[1], low[2]));
+    return bbox.add(Point3(high[0], high[1], high[2])) || bLower;
 }
 
 Point3* HC3::newVertex(const Point3& point, std::uint64_t place) {
@@ -90,7 +94,7 @@ void HC3::enterInTable(VertexTable::Place place, Point3* vertex) {
 }
 
 void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
-                 std::vector<Point3*>& vNew) {
+                 std::vector<Point3*>& vNew, BatchProgress& progress) {
     varnAssertText(vUserHandles.empty(), "vUserHandles.empty()");
     if (points.empty()) return;
     vUserHandles.resize(points.size());
@@ -105,6 +109,8 @@ void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
         const KeyedPosition* last = first + 1;
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
+        // All points are stored, also where none of them is to be inserted any more.
+        static_cast<void>(progress.goesOn(0));
         // The curve's order has little to do with that of the points.
         constexpr std::ptrdiff_t AHEAD = 16;
         if (end - last > AHEAD) points.prefetch(positionOf(last[AHEAD]));

@@ -6,6 +6,7 @@
 
 #include "dt3Library/Bbox3.h"
 #include "dt3Library/Point3.h"
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/geom_tools/SimplePool.h"
 #include "dt3Library/store/HilbertGrid.h"
 #include "dt3Library/store/InputPoints.h"
@@ -40,7 +41,7 @@ class HC3 {
     /// but where more than eight share a key, along a finer curve.
     /// O(n) for the first batch, O(n log m) with m vertices stored before.
     void insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
-                std::vector<Point3*>& vNew);
+                std::vector<Point3*>& vNew, BatchProgress& progress);
 
     /// Stores one point. Returns its vertex and a tetrahedron from which to locate it: one that
     /// belongs to the vertex, or else to one of its neighbours in the table, of which at most so

@@ -8,7 +8,7 @@ namespace VARN3D {
 
 PointLocator::PointLocator(const Varn_3D& mesh)
     : search(guarded("PointLocator::PointLocator()",
-                     [&] { return std::make_unique<MeshSearch>(*mesh.pDt3); })) {}
+                     [&] { return std::make_unique<MeshSearch>(mesh.engine()); })) {}
 
 PointLocator::~PointLocator() = default;
 PointLocator::PointLocator(PointLocator&& other) noexcept = default;

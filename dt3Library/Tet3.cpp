@@ -154,7 +154,7 @@ Point3* Tet3::getOppVtxInOppTet(int ith, bool bNullAllowed) const {
     if (pOpp != nullptr) return pOpp->aVertexPointer[pOpp->getIntraTetIndex(this)];
     if (!bNullAllowed) {
         printError("Tet3::getOppVtxInOppTet", "no neighbor tet");
-        varnAssertText(false, "false");
+        varnFail("no neighbour tetrahedron", "false");
     }
     return nullptr;
 }

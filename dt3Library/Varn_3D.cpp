@@ -1,5 +1,7 @@
 #include "dt3Library/Varn_3D.h"
 
+#include <utility>
+
 #include "dt3Library/Dt3.h"
 #include "dt3Library/base/messages.h"
 #include "dt3Library/engine/hostCalls.h"
@@ -7,14 +9,19 @@
 
 namespace VARN3D {
 
-Varn_3D::Varn_3D() : pDt3(new Dt3(this)) {}
+Varn_3D::Varn_3D() : pDt3(std::make_unique<Dt3>()) {}
 
-Varn_3D::~Varn_3D() {
-    delete pDt3;
+Varn_3D::~Varn_3D() = default;
+Varn_3D::Varn_3D(Varn_3D&&) noexcept = default;
+Varn_3D& Varn_3D::operator=(Varn_3D&&) noexcept = default;
+
+Dt3& Varn_3D::engine() const {
+    varnAssertText(pDt3 != nullptr, "pDt3!=NULL");
+    return *pDt3;
 }
 
 bool Varn_3D::is3D() const {
-    return pDt3->is3D();
+    return engine().is3D();
 }
 
 int Varn_3D::getDimension() const {
@@ -22,7 +29,7 @@ int Varn_3D::getDimension() const {
 }
 
 void Varn_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {
-    guarded("Varn_3D::insert()", [&] { pDt3->insert(vInputPoints, vUserHandles); });
+    guarded("Varn_3D::insert()", [&] { engine().insert(vInputPoints, vUserHandles); });
 }
 
 void Varn_3D::insert(const std::vector<Point3>& vInputPoints) {
@@ -31,43 +38,51 @@ void Varn_3D::insert(const std::vector<Point3>& vInputPoints) {
 }
 
 void Varn_3D::insert(const double* xyz, std::size_t n, std::vector<Point3*>& vUserHandles) {
-    guarded("Varn_3D::insert()", [&] { pDt3->insert(InputPoints(xyz, n), vUserHandles); });
+    guarded("Varn_3D::insert()", [&] { engine().insert(InputPoints(xyz, n), vUserHandles); });
 }
 
 Point3* Varn_3D::insert(const Point3& point) {
-    return guarded("Varn_3D::insert()", [&] { return pDt3->insert(point); });
+    return guarded("Varn_3D::insert()", [&] { return engine().insert(point); });
+}
+
+std::size_t Varn_3D::insertWaiting() {
+    return guarded("Varn_3D::insertWaiting()", [&] { return engine().insertWaiting(); });
+}
+
+void Varn_3D::setProgress(std::function<bool(std::size_t done, std::size_t total)> function) {
+    engine().getProgress().setFunction(std::move(function));
 }
 
 Tet3* Varn_3D::locate(const Point3& point) {
-    return guarded("Varn_3D::locate()", [&] { return pDt3->locate(point); });
+    return guarded("Varn_3D::locate()", [&] { return engine().locate(point); });
 }
 
 std::size_t Varn_3D::getNumVertices() const {
-    return pDt3->getNumVertices();
+    return engine().getNumVertices();
 }
 
 std::size_t Varn_3D::getNumTetrahedra() const {
-    return pDt3->getNumTetrahedra();
+    return engine().getNumTetrahedra();
 }
 
 std::size_t Varn_3D::getNumWaiting() const {
-    return pDt3->getNumWaiting();
+    return engine().getNumWaiting();
 }
 
 void Varn_3D::getVertices(std::vector<Point3*>& vVertices) const {
-    guarded("Varn_3D::getVertices()", [&] { pDt3->getVertices(vVertices); });
+    guarded("Varn_3D::getVertices()", [&] { engine().getVertices(vVertices); });
 }
 
 void Varn_3D::getTetrahedra(std::vector<Tet3*>& vTets) const {
-    guarded("Varn_3D::getTetrahedra()", [&] { pDt3->getAllTetrahedra(vTets); });
+    guarded("Varn_3D::getTetrahedra()", [&] { engine().getAllTetrahedra(vTets); });
 }
 
 void Varn_3D::getHullFacets(std::vector<Facet3>& vFacets) const {
-    guarded("Varn_3D::getHullFacets()", [&] { pDt3->getHullFacets(vFacets); });
+    guarded("Varn_3D::getHullFacets()", [&] { engine().getHullFacets(vFacets); });
 }
 
 IndexedMesh Varn_3D::getIndexedMesh() const {
-    return guarded("Varn_3D::getIndexedMesh()", [&] { return pDt3->getIndexedMesh(); });
+    return guarded("Varn_3D::getIndexedMesh()", [&] { return engine().getIndexedMesh(); });
 }
 
 void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
@@ -76,19 +91,19 @@ void Varn_3D::getTetsAroundVertex(Point3* pVtx, std::vector<Tet3*>& vTets) {
 
 bool Varn_3D::checkValidity(const std::string& location, bool checkSphereInc) {
     return guarded("Varn_3D::checkValidity()",
-                   [&] { return pDt3->checkValidity(location, checkSphereInc); });
+                   [&] { return engine().checkValidity(location, checkSphereInc); });
 }
 
 void Varn_3D::print(const std::string& label) {
-    guarded("Varn_3D::print()", [&] { pDt3->print(label); });
+    guarded("Varn_3D::print()", [&] { engine().print(label); });
 }
 
 void Varn_3D::show(const std::string& filename, Point3* pVertex) {
-    guarded("Varn_3D::show()", [&] { pDt3->show(filename, pVertex); });
+    guarded("Varn_3D::show()", [&] { engine().show(filename, pVertex); });
 }
 
 void Varn_3D::setVerbosity(bool bVerbose) {
-    pDt3->setVerbosity(bVerbose);
+    engine().setVerbosity(bVerbose);
 }
 
 void Varn_3D::setMessageStream(std::ostream* pStream) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,7 @@
 #include "dt3Library/Vector3.h"
 #include "dt3Library/utilities.h"
 #include "dt3Library/version.h"
+#include "dt3Library/voronoi.h"
 
 namespace VARN3D {
 
@@ -60,6 +63,11 @@ class VARN3D_EXPORT Varn_3D {
     ~Varn_3D();
     Varn_3D(const Varn_3D&) = delete;
     Varn_3D& operator=(const Varn_3D&) = delete;
+    /// Takes the other one's triangulation over; all pointers into it stay valid. The other one can
+    /// then only be destroyed or assigned to: any other use is a failed check. O(1).
+    Varn_3D(Varn_3D&& other) noexcept;
+    /// The same, and frees the own vertices and tetrahedra.
+    Varn_3D& operator=(Varn_3D&& other) noexcept;
 
     /// Whether there are tetrahedra, which is so once a batch or a point was inserted that doesn't
     /// lie in one plane with all before. O(1).
@@ -71,7 +79,8 @@ class VARN3D_EXPORT Varn_3D {
     /// Inserts a batch. vUserHandles gets one vertex for each point, in input order; points with
     /// equal coordinates get the same one, which may be from an earlier insertion. If vUserHandles
     /// is not empty, prints a warning and empties it first. Vertices that were waiting join the
-    /// mesh with the batch that makes the first tetrahedron.
+    /// mesh with the batch that makes the first tetrahedron. The function of `setProgress` may stop
+    /// the batch.
     ///
     /// Prints "numPoints=" and the number of points. A coordinate that is not finite is a failed
     /// check before anything is stored. O(n log n) expected for n points of which all but few lie
@@ -96,6 +105,24 @@ class VARN3D_EXPORT Varn_3D {
     /// coordinate that is not finite is a failed check. O(log n) to find the place, and time in
     /// proportion to the tetrahedra that change.
     Point3* insert(const Point3& point);
+
+    /// Takes the vertices that wait into the mesh, as a batch of them would be inserted. Returns
+    /// how many it has taken: none while all vertices lie in one plane, and fewer than wait where
+    /// the function of `setProgress` stops it. Prints nothing. Where memory runs out, they wait as
+    /// before, or, if they were fewer than the others, some have joined. O(1) if none wait, else
+    /// as `insert`.
+    std::size_t insertWaiting();
+
+    /// Sets what the insertion of batches and of waiting vertices calls now and then, at most every
+    /// 10 milliseconds: how many of how many new vertices are in the mesh. While points are being
+    /// stored none are, and total is the number of points. False stops the insertion: all handles
+    /// are given, the mesh is valid, and the vertices that are not in it wait, for `insertWaiting`
+    /// or for being inserted singly. An exception passes through the insertion, with the same
+    /// consequences as memory that runs out. An empty function ends the calls.
+    ///
+    /// It is called in the thread that inserts, under the library's floating-point settings, and
+    /// must not use the Varn_3D.
+    void setProgress(std::function<bool(std::size_t done, std::size_t total)> function);
 
     /// The tetrahedron that holds a point, in its inside, on its boundary or at a corner. Null
     /// while there is no tetrahedron, outside the convex hull, and on its surface unless at a
@@ -161,7 +188,9 @@ class VARN3D_EXPORT Varn_3D {
   private:
     friend class PointLocator;
 
-    Dt3* pDt3;
+    Dt3& engine() const;
+
+    std::unique_ptr<Dt3> pDt3;
 };
 
 /// Whether this is a release build: false.

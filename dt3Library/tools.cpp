@@ -32,10 +32,12 @@ void printError(const std::string& who, const std::string& text) {
     printMessage(who, "ERROR", text);
 }
 
-void conditionFailed(const char* condition, const char* file, int line) {
-    printError("Varn, ", std::string("Condition [ ") + condition + " failed ]");
-    messageStream() << "      " << getPathInRepository(file) << ":" << line << std::endl;
-    throw VarnException();
+void conditionFailed(const char* condition, const char* file, int line, const std::string& reason) {
+    const std::string text = std::string("Condition [ ") + condition + " failed ]";
+    const std::string place = getPathInRepository(file) + ":" + std::to_string(line);
+    printError("Varn, ", text);
+    messageStream() << "      " << place << std::endl;
+    throw VarnException(reason.empty() ? text + " at " + place : reason);
 }
 
 void goToHell(const std::string& reason) {

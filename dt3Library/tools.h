@@ -23,8 +23,10 @@ std::string getNextDumpPrefix();
 [[noreturn]] void goToHell(const std::string& reason);
 
 /// Reports a failed condition and throws. `file` may be any path that ends in a path relative to
-/// the repository's root: what stands before the last "dt3Library/" is not printed.
-[[noreturn]] void conditionFailed(const char* condition, const char* file, int line);
+/// the repository's root: what stands before the last "dt3Library/" is not printed. The exception
+/// has the reason, if there is one, or else condition and place.
+[[noreturn]] void conditionFailed(const char* condition, const char* file, int line,
+                                  const std::string& reason = {});
 
 inline bool range03(int ith) {
     return ith >= 0 && ith <= 3;
@@ -45,3 +47,6 @@ inline bool range02(int ith) {
 /// the library, wherever it stands today.
 #define varnAssertAt(condition, text, file, line) \
     ((condition) ? static_cast<void>(0) : ::VARN3D::conditionFailed(text, file, line))
+
+/// A check that has failed, with the reason for the exception.
+#define varnFail(reason, text) ::VARN3D::conditionFailed(text, __FILE__, __LINE__, reason)

@@ -16,35 +16,30 @@
 #include <dt3Library/Varn_3D.h>
 
 #include <iostream>
-#include <map>
 #include <vector>
 
 using namespace VARN3D;
 
 int main() {
     // Points 3 and 5 repeat others; 0.1 + 0.2 is not 0.3, and 0.0 equals -0.0.
-    std::vector<Point3> points = {{0, 0, 0},   {1, 0, 0}, {0, 1, 0},        {1, 0, -0.0},
-                                  {0, 0, 0.3}, {0, 1, 0}, {0, 0, 0.1 + 0.2}};
+    const std::vector<Point3> points = {{0, 0, 0},   {1, 0, 0}, {0, 1, 0},        {1, 0, -0.0},
+                                        {0, 0, 0.3}, {0, 1, 0}, {0, 0, 0.1 + 0.2}};
 
     Varn_3D mesh;
     std::vector<Point3*> handles;
     mesh.insert(points, handles);
 
-    std::map<const Point3*, std::size_t> firstOf;
-    for (std::size_t i = 0; i < handles.size(); ++i) {
-        const auto [found, isNew] = firstOf.emplace(handles[i], i);
-        if (isNew)
+    // A vertex has the number of the first point with its coordinates.
+    for (int i = 0; i < static_cast<int>(handles.size()); ++i) {
+        const int first = handles[static_cast<std::size_t>(i)]->getIndex();
+        if (first == i)
             std::cout << "point " << i << " is a vertex of its own\n";
         else
-            std::cout << "point " << i << " is the same as point " << found->second << "\n";
+            std::cout << "point " << i << " is the same as point " << first << "\n";
     }
 
     // Later insertions leave handles alone.
-    Point3 again(1, 0, 0);
-    const Point3* first = handles[1];
-    std::cout << "inserted again: " << (mesh.insert(again) == first ? "the same vertex" : "another")
-              << "\n";
-    std::vector<Point3*> vertices;
-    mesh.getVertices(vertices);
-    std::cout << vertices.size() << " vertices\n";
+    const bool isSame = mesh.insert(Point3(1, 0, 0)) == handles[1];
+    std::cout << "inserted again: " << (isSame ? "the same vertex" : "another") << "\n";
+    std::cout << mesh.getNumVertices() << " vertices\n";
 }

@@ -1,4 +1,4 @@
-// The convex hull: its facets are those across which a tetrahedron has no neighbour.
+// The convex hull, as triangles of input points.
 //
 // Output:
 //   numPoints=12
@@ -7,6 +7,8 @@
 #include <dt3Library/Varn_3D.h>
 
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <set>
 #include <vector>
@@ -25,33 +27,25 @@ double triangleArea(const Point3& p, const Point3& q, const Point3& r) {
 
 int main() {
     // A house: the corners of a box, the two ends of the ridge, and something inside.
-    std::vector<Point3> points = {{0, 0, 0}, {8, 0, 0}, {8, 6, 0}, {0, 6, 0}, {0, 0, 5}, {8, 0, 5},
-                                  {8, 6, 5}, {0, 6, 5}, {0, 3, 9}, {8, 3, 9}, {4, 2, 1}, {3, 3, 7}};
+    const std::vector<Point3> points = {{0, 0, 0}, {8, 0, 0}, {8, 6, 0}, {0, 6, 0},
+                                        {0, 0, 5}, {8, 0, 5}, {8, 6, 5}, {0, 6, 5},
+                                        {0, 3, 9}, {8, 3, 9}, {4, 2, 1}, {3, 3, 7}};
 
     Varn_3D mesh;
     mesh.insert(points);
-    std::vector<Tet3*> tets;
-    mesh.getTetrahedra(tets);
+    const IndexedMesh indexed = mesh.getIndexedMesh();
 
-    std::set<const Point3*> hullVertices;
-    int facets = 0;
+    std::set<std::int32_t> hullVertices;
     double area = 0;
     double roofArea = 0;
-    for (const Tet3* tet : tets) {
-        for (int i = 0; i < 4; ++i) {
-            if (tet->getOppTet(i) != nullptr) continue;
-            // The facet's corners run counter-clockwise seen from outside.
-            int a = 0, b = 0, c = 0;
-            tet->getFacetIndices(i, a, b, c);
-            const Point3* p = tet->getCorner(a);
-            const Point3* q = tet->getCorner(b);
-            const Point3* r = tet->getCorner(c);
-            hullVertices.insert({p, q, r});
-            ++facets;
-            area += triangleArea(*p, *q, *r);
-            if (getNormalVector(*p, *q, *r).z > 0) roofArea += triangleArea(*p, *q, *r);
-        }
+    for (const auto& [a, b, c] : indexed.hull) {
+        hullVertices.insert({a, b, c});
+        const auto point = [&](std::int32_t i) { return points[static_cast<std::size_t>(i)]; };
+        const double facetArea = triangleArea(point(a), point(b), point(c));
+        area += facetArea;
+        // The corners run counter-clockwise seen from outside, so the normal points outwards.
+        if (getNormalVector(point(a), point(b), point(c)).z > 0) roofArea += facetArea;
     }
-    std::cout << hullVertices.size() << " of " << points.size() << " points on the hull, " << facets
-              << " facets, area " << area << ", roof " << roofArea << "\n";
+    std::cout << hullVertices.size() << " of " << points.size() << " points on the hull, "
+              << indexed.hull.size() << " facets, area " << area << ", roof " << roofArea << "\n";
 }

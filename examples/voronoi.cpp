@@ -1,39 +1,27 @@
-// The Voronoi cell of a vertex: its corners are the circumcentres of the tetrahedra around the
-// vertex. (The cell of a vertex on the convex hull is unbounded.) In the body-centred cubic lattice
-// it is a truncated octahedron.
+// The Voronoi cell of a vertex. In the body-centred cubic lattice it is a truncated octahedron.
 //
 // Output:
 //   numPoints=15
-//   a cell with 24 corners
-//     (-1, -0.5, 0)
-//     (-1, 0, -0.5)
-//     (-1, 0, 0.5)
-//     (-1, 0.5, 0)
-//     (-0.5, -1, 0)
-//     (-0.5, 0, -1)
-//     (-0.5, 0, 1)
-//     (-0.5, 1, 0)
-//     (0, -1, -0.5)
-//     (0, -1, 0.5)
-//     (0, -0.5, -1)
-//     (0, -0.5, 1)
-//     (0, 0.5, -1)
-//     (0, 0.5, 1)
-//     (0, 1, -0.5)
-//     (0, 1, 0.5)
-//     (0.5, -1, 0)
-//     (0.5, 0, -1)
-//     (0.5, 0, 1)
-//     (0.5, 1, 0)
-//     (1, -0.5, 0)
-//     (1, 0, -0.5)
-//     (1, 0, 0.5)
-//     (1, 0.5, 0)
+//   a bounded cell of volume 4 with 14 facets
+//     4 corners towards (-2, 0, 0)
+//     6 corners towards (-1, -1, -1)
+//     6 corners towards (-1, -1, 1)
+//     6 corners towards (-1, 1, -1)
+//     6 corners towards (-1, 1, 1)
+//     4 corners towards (0, -2, 0)
+//     4 corners towards (0, 0, -2)
+//     4 corners towards (0, 0, 2)
+//     4 corners towards (0, 2, 0)
+//     6 corners towards (1, -1, -1)
+//     6 corners towards (1, -1, 1)
+//     6 corners towards (1, 1, -1)
+//     6 corners towards (1, 1, 1)
+//     4 corners towards (2, 0, 0)
 
 #include <dt3Library/Varn_3D.h>
 
+#include <algorithm>
 #include <iostream>
-#include <set>
 #include <vector>
 
 using namespace VARN3D;
@@ -52,12 +40,15 @@ int main() {
     std::vector<Point3*> handles;
     mesh.insert(points, handles);
 
-    std::vector<Tet3*> star;
-    mesh.getTetsAroundVertex(handles[0], star);
-    std::set<Point3> corners;
-    for (const Tet3* tet : star) corners.insert(tet->getCircumcenter());
-
-    std::cout << "a cell with " << corners.size() << " corners\n";
-    for (const Point3& corner : corners)
-        std::cout << "  (" << corner.x() << ", " << corner.y() << ", " << corner.z() << ")\n";
+    VoronoiCell cell = getVoronoiCell(mesh, handles[0]);
+    std::cout << (cell.bBounded ? "a bounded" : "an unbounded") << " cell of volume " << cell.volume
+              << " with " << cell.facets.size() << " facets\n";
+    std::sort(
+        cell.facets.begin(), cell.facets.end(),
+        [](const VoronoiFacet& a, const VoronoiFacet& b) { return *a.neighbour < *b.neighbour; });
+    for (const VoronoiFacet& facet : cell.facets) {
+        const Point3& p = *facet.neighbour;
+        std::cout << "  " << facet.corners.size() << " corners towards (" << p.x() << ", " << p.y()
+                  << ", " << p.z() << ")\n";
+    }
 }

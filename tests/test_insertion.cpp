@@ -9,6 +9,8 @@
 #include <limits>
 #include <set>
 #include <sstream>
+#include <type_traits>
+#include <utility>
 
 #include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
@@ -101,7 +103,7 @@ TEST(Insertion, messages) {
 }
 
 TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
-    Dt3 engine(nullptr);
+    Dt3 engine;
     std::vector<Point3*> list;
     EXPECT_DEATH(
         {
@@ -141,6 +143,51 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
                           "locate");
         }
     }
+}
+
+TEST(Insertion, exceptionsTellTheReason) {
+    Varn_3D mesh;
+    std::vector<Tet3*> notEmpty(1);
+    const auto reasonOf = [](auto operation) {
+        std::string reason;
+        outputOf([&] {
+            try {
+                operation();
+            } catch (const VarnException& error) {
+                const VarnException copy(error);
+                reason = copy.getReason();
+            }
+        });
+        return reason;
+    };
+    EXPECT_EQ(reasonOf([&] {
+                  mesh.insert(Points{{0, 0, 0}, {0, 0, std::nan("")}});
+              }),
+              "point 1 has a non-finite coordinate");
+    EXPECT_EQ(reasonOf([&] { mesh.getTetrahedra(notEmpty); }),
+              "Condition [ vTet.empty() failed ] at dt3Library/Dt3.cpp:1300");
+}
+
+TEST(Insertion, meshesMove) {
+    static_assert(std::is_nothrow_move_constructible_v<Varn_3D> &&
+                  std::is_nothrow_move_assignable_v<Varn_3D> &&
+                  !std::is_copy_constructible_v<Varn_3D>);
+    std::vector<Varn_3D> meshes(2);
+    Points points = uniform(60, 1);
+    Handles handles, others;
+    outputOf([&] {
+        meshes[0].insert(points, handles);
+        meshes[1].insert(points, others);
+    });
+    const std::uint64_t digest = meshDigest(meshes[0], handles);
+    Varn_3D mesh(std::move(meshes[0]));
+    EXPECT_EQ(meshDigest(mesh, handles), digest);
+    outputOf([&] { EXPECT_THROW(meshes[0].insert(points), VarnException); });
+    meshes[0] = std::move(mesh);
+    meshes[1] = std::move(meshes[0]);
+    points.emplace_back(2, 2, 2);
+    outputOf([&] { handles.push_back(meshes[1].insert(points.back())); });
+    EXPECT_EQ(findMeshFault(meshes[1], points, handles), "");
 }
 
 TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMade) {

@@ -37,7 +37,7 @@ std::array<Point3*, 4> cornersOf(const Tet3* t) {
 /// the first must have kept label and custom index.
 std::uint64_t digestOfTwoBatches(const KernelSteps& steps, const Points& points) {
     const auto middle = points.begin() + static_cast<std::ptrdiff_t>(points.size() / 3);
-    Dt3 engine(nullptr, steps);
+    Dt3 engine(steps);
     Handles handles, later;
     engine.insert(Points(points.begin(), middle), handles);
     std::map<std::array<Point3*, 4>, int> labels;
@@ -90,7 +90,8 @@ std::vector<VertexNumber> meshNumberedFrom(std::uint32_t firstNumber, const Poin
     const GeomTest3 predicates;
     HC3 store;
     Handles handles, added;
-    store.insert(points, handles, added);
+    BatchProgress progress;
+    store.insert(points, handles, added, progress);
     TetRecycler tets;
     Cavity(predicates, tets).createTet(handles[0], handles[1], handles[2], handles[3]);
     const PoolIndex<Tet3> records(tets.getPool());
@@ -150,7 +151,7 @@ TEST(Kernel, endsOnDamagedMeshes) {
     for (std::uint64_t seed = 0; seed < 4500; ++seed) {
         const bool bSingly = seed % 9 < 3;
         Random random(seed);
-        Dt3 engine(nullptr, seed % 2 == 0 ? portableSteps() : fastestSteps());
+        Dt3 engine(seed % 2 == 0 ? portableSteps() : fastestSteps());
         Handles handles, later;
         outputOf([&] {
             engine.insert(seed % 3 == 0 ? lattice(60, 4, 4, 4, seed) : uniform(40, seed), handles);

@@ -75,7 +75,7 @@ const Locator locator(predicates);
 TEST(Location, latticeQueriesFromEveryTetrahedron) {
     std::map<Place, int> counts;
     for (std::uint64_t seed = 0; seed < 12; ++seed) {
-        Dt3 engine(nullptr);
+        Dt3 engine;
         std::vector<Point3*> handles;
         outputOf([&] { engine.insert(lattice(14, 4, 4, 4, seed), handles); });
         std::vector<Tet3*> tets;
@@ -96,7 +96,7 @@ TEST(Location, latticeQueriesFromEveryTetrahedron) {
 
 // No sound mesh leads a walk in circles, so links that do have to be planted.
 TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
-    Dt3 engine(nullptr);
+    Dt3 engine;
     Points points = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {1, 1, 4}, {1, 1, -4}};
     std::vector<Point3*> handles;
     outputOf([&] { engine.insert(points, handles); });

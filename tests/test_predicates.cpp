@@ -9,6 +9,7 @@
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/VarnException.h"
+#include "dt3Library/predicates/circumcentre.h"
 #include "dt3Library/predicates/predicateStages.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/Exact.h"
@@ -50,6 +51,29 @@ void expectNoStageErrs(const predicateStages::Points<Predicate>& points, double 
         }
 }
 
+/// The centre of the first four points, seen from the first, against Cramer's rule. What is near
+/// the ends of the range of doubles is left out.
+void expectCircumcentre(const FivePoints& points) {
+    const auto& [a, b, c, d, e] = points;
+    const Vector3 centre = circumcentreFrom(a, b, c, d);
+    const double components[] = {centre.x, centre.y, centre.z};
+    const Vector3 edge = b - a;
+    if (std::fabs(edge.x) + std::fabs(edge.y) + std::fabs(edge.z) < 1e-290) return;
+    for (const double size : components)
+        if (!(std::fabs(size) < 1e300) || (size != 0.0 && std::fabs(size) < 1e-290)) return;
+    const Point3 zero(0, 0, 0);
+    const Point3 tip(centre.x, centre.y, centre.z);
+    const auto [u, v, w, toZero, toTip] = exactDifferences({&a, &b, &c, &d, &zero, &tip});
+    const ExactVector vw = exactCross(v, w), wu = exactCross(w, u), uv = exactCross(u, v);
+    const mpz_class volume = 2 * exactDot(u, vw);
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const mpz_class exact =
+            exactDot(u, u) * vw[axis] + exactDot(v, v) * wu[axis] + exactDot(w, w) * uv[axis];
+        const mpz_class error = (toTip[axis] - toZero[axis]) * volume - exact;
+        ASSERT_LE(abs(error) << 49, abs(exact)) << describe(points);
+    }
+}
+
 /// A point and the facets of the scratch tetrahedron, one by one and in one look: certain or
 /// nothing.
 void expectFacetsSeenTruly(const GeomTest3& predicates, const Point3& p) {
@@ -89,6 +113,7 @@ void expectExact(FivePoints points) {
     ASSERT_EQ(predicates.sphereInclusionTest(&scratchTet(), &e),
               inside > 0 || bCorner ? SIC_INSIDE : SIC_OUTSIDE)
         << describe(points);
+    expectCircumcentre(points);
     expectFacetsSeenTruly(predicates, e);
     ASSERT_EQ(predicates.isOnSphere(&scratchTet(), &e), inside == 0) << describe(points);
     expectNoStageErrs<predicateStages::Sphere>({{&a, &b, &c, &d, &e}},

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -182,8 +184,71 @@ TEST_P(Queries, conflictRegion) {
     }
 }
 
+/// A cell's corners lie on no vertex's side of it, its facets are the other cells' too, and a
+/// bounded one is a polyhedron by Euler's formula.
+TEST_P(Queries, voronoiCells) {
+    std::map<std::pair<const Point3*, const Point3*>, std::size_t> numCorners;
+    const std::set<Point3*> vertices(handles.begin(), handles.end());
+    for (const Point3* vertex : vertices) {
+        if (tets.empty()) {
+            outputOf([&] { EXPECT_THROW(getVoronoiCell(mesh, vertex), VarnException); });
+            continue;
+        }
+        const VoronoiCell cell = getVoronoiCell(mesh, vertex);
+        std::set<Point3> corners;
+        std::size_t numHalfEdges = 0;
+        for (const VoronoiFacet& facet : cell.facets) {
+            numCorners[{vertex, facet.neighbour}] = facet.corners.size();
+            const std::set<Point3> own(facet.corners.begin(), facet.corners.end());
+            numHalfEdges += facet.corners.size();
+            corners.insert(own.begin(), own.end());
+            ASSERT_GE(facet.corners.size(), facet.bBounded ? 3U : 1U);
+            ASSERT_TRUE(facet.bBounded || !cell.bBounded);
+            for (const Point3& corner : facet.corners) {
+                const auto distance = [&corner](const Point3* to) {
+                    return std::hypot(corner.x() - to->x(), corner.y() - to->y(),
+                                      corner.z() - to->z());
+                };
+                const double size = std::fabs(corner.x()) + std::fabs(corner.y()) +
+                                    std::fabs(corner.z()) + distance(vertex);
+                const double rounding = 1e-14 * size + 5e-323;
+                ASSERT_NEAR(distance(facet.neighbour), distance(vertex), rounding);
+                for (const Point3* other : vertices)
+                    ASSERT_GE(distance(other), distance(vertex) - rounding);
+            }
+        }
+        ASSERT_EQ(std::isinf(cell.volume), !cell.bBounded || GetParam().scale == 1e300);
+        if (!cell.bBounded || GetParam().scale < 1e-290) continue;
+        ASSERT_EQ(2 * (corners.size() + cell.facets.size()), numHalfEdges + 4);
+    }
+    for (const auto& [pair, count] : numCorners) {
+        const auto other = numCorners.find({pair.second, pair.first});
+        ASSERT_TRUE(other != numCorners.end() && other->second == count);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(, Queries, testing::ValuesIn(INPUTS),
                          [](const auto& test) { return std::string(test.param.name); });
+
+/// Random points and their images in the walls of a box: the points' cells fill the box.
+TEST(Voronoi, cellsFillABox) {
+    const Points inside = uniform(100, 1);
+    Points all = inside;
+    for (const Point3& p : inside) {
+        for (const double wall : {0.0, 2.0}) {
+            all.emplace_back(wall - p.x(), p.y(), p.z());
+            all.emplace_back(p.x(), wall - p.y(), p.z());
+            all.emplace_back(p.x(), p.y(), wall - p.z());
+        }
+    }
+    Varn_3D mesh;
+    std::vector<Point3*> handles;
+    outputOf([&] { mesh.insert(all, handles); });
+    double volume = 0.0;
+    for (std::size_t i = 0; i < inside.size(); ++i)
+        volume += getVoronoiCell(mesh, handles[i]).volume;
+    EXPECT_NEAR(volume, 1.0, 1e-13);
+}
 
 TEST(PointLocator, seesWhatIsInserted) {
     Varn_3D mesh;

@@ -59,7 +59,7 @@ TEST(Spheres, certifiedAnswersAreTrue) {
 }
 
 struct Flatter : ProvedCertificate {
-    static constexpr double DETERMINANT = ProvedCertificate::DETERMINANT / 4096;
+    static constexpr double DETERMINANT = ProvedCertificate::DETERMINANT / 65536;
 };
 struct Smaller : ProvedCertificate {
     static constexpr double RADIUS = ProvedCertificate::RADIUS / 4096;

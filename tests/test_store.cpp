@@ -70,13 +70,14 @@ Handles alongFinerCurves(Handles vertices) {
 /// A store that keeps what its batches returned.
 struct Store {
     HC3 hc3;
+    BatchProgress progress;
     std::vector<Point3*> handles;
     std::vector<Point3*> added;
 
     void insert(const Points& points) {
         handles.clear();
         added.clear();
-        hc3.insert(points, handles, added);
+        hc3.insert(points, handles, added, progress);
     }
     std::uint32_t plainKey(const Point3& p) const {
         const auto [min, max] = box();
@@ -244,11 +245,12 @@ TEST(Store, failedChecks) {
                 testing::HasSubstr("Condition [ bValid failed ]"));
     store.insert({{1, 1, 1}});
     std::vector<Point3*> added;
-    EXPECT_THAT(
-        outputOf([&] {
-            EXPECT_THROW(store.hc3.insert(Points{{2, 2, 2}}, store.handles, added), VarnException);
-        }),
-        testing::HasSubstr("Condition [ vUserHandles.empty() failed ]"));
+    EXPECT_THAT(outputOf([&] {
+                    EXPECT_THROW(
+                        store.hc3.insert(Points{{2, 2, 2}}, store.handles, added, store.progress),
+                        VarnException);
+                }),
+                testing::HasSubstr("Condition [ vUserHandles.empty() failed ]"));
     EXPECT_EQ(store.hc3.getNumVertices(), 1U);
 }
 

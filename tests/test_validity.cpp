@@ -130,7 +130,7 @@ class Validity : public testing::Test {
     }
 
     std::filesystem::path directory;
-    Dt3 engine{nullptr};
+    Dt3 engine;
     std::vector<Point3*> handles;
     std::vector<Tet3*> tets;
     /// Index of the shared facet in the first tetrahedron.
@@ -146,7 +146,7 @@ TEST_F(Validity, soundMeshesPass) {
     engine.triangulate(list, tets[0]);
     EXPECT_EQ(list[0], handles[2]);
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
-    const Dt3 empty(nullptr);
+    const Dt3 empty;
     EXPECT_EQ(outputOf([&] { EXPECT_TRUE(empty.checkValidity("here", true)); }),
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);
 }
@@ -243,7 +243,7 @@ TEST_F(Validity, oneWayLinksEndTheProcess) {
 }
 
 TEST_F(Validity, crossedLinksAreFoundWhereverTheyAre) {
-    Dt3 larger(nullptr);
+    Dt3 larger;
     std::vector<Point3*> largerHandles;
     std::vector<Tet3*> all;
     outputOf([&] { larger.insert(gaussian(12, 1), largerHandles); });

@@ -56,7 +56,6 @@ class Program {
   private:
     void readPoints();
     void triangulate();
-    void countHullFacets();
     void check();
     void writeFiles();
     void writeIndexedMesh();
@@ -132,29 +131,21 @@ void Program::readPoints() {
 }
 
 void Program::triangulate() {
-    // Points as if at random in space make 27 tetrahedra each on their way to the final mesh.
-    const double expected = 27.0 * static_cast<double>(numPoints);
-    const std::int32_t before = Tet3::runningLabel;
-    progress.begin("triangulating " + std::to_string(numPoints) + " points", [=] {
-        const auto numMade = static_cast<std::uint32_t>(Tet3::runningLabel - before);
-        return static_cast<double>(numMade) / expected;
+    const auto share = std::make_shared<std::atomic<double>>(0);
+    progress.begin("triangulating " + std::to_string(numPoints) + " points",
+                   [share] { return share->load(std::memory_order_relaxed); });
+    mesh.setProgress([share](std::size_t done, std::size_t total) {
+        share->store(static_cast<double>(done) / static_cast<double>(total));
+        return true;
     });
     const auto start = std::chrono::steady_clock::now();
     mesh.insert(input.points, vertexOfPoint);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    std::vector<Point3*> vertices;
-    mesh.getVertices(vertices);
-    numVertices = vertices.size();
+    numVertices = mesh.getNumVertices();
     mesh.getTetrahedra(tets);
-    countHullFacets();
-}
-
-void Program::countHullFacets() {
-    for (const Tet3* tet : tets) {
-        for (int i = 0; i < 4; ++i) {
-            numHullFacets += tet->getOppTet(i) ? 0 : 1;
-        }
-    }
+    std::vector<VARN3D::Facet3> facets;
+    mesh.getHullFacets(facets);
+    numHullFacets = facets.size();
 }
 
 void Program::check() {

@@ -55,3 +55,7 @@ constexpr EngineCheck NO_MARK_LEFT{"false", 1410};
 /// between files that are compiled for different processors.
 #define engineCheck(holds, check) \
     varnAssertAt(holds, (check).condition, "dt3Library/Dt3.cpp", (check).number)
+
+/// A check that has failed, with the reason for the exception.
+#define engineFail(reason, check) \
+    ::VARN3D::conditionFailed((check).condition, "dt3Library/Dt3.cpp", (check).number, reason)

@@ -49,7 +49,7 @@ bool MeshCheck::isSound(const std::string& location, Tet3* tet, bool bSpheres) c
     if (MeshAccess::visited(tet)) {
         printError("Dt3::CheckValidity()", "pcurrentTet->hasBeenvisited=true");
         messageStream() << *tet << std::endl;
-        engineCheck(false, checks::NO_MARK_LEFT);
+        engineFail("a tetrahedron of the mesh is marked as visited", checks::NO_MARK_LEFT);
     }
     for (int ith = 0; ith < 4; ++ith) {
         const Tet3* neighbour = tet->getOppTet(ith);

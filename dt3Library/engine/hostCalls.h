@@ -29,8 +29,9 @@ auto guarded(const char* who, Operation operation) {
 
 inline void requireFinite(const Point3& point, std::size_t position, const char* who) {
     if (std::isfinite(point.x()) && std::isfinite(point.y()) && std::isfinite(point.z())) return;
-    printError(who, "point " + std::to_string(position) + " has a non-finite coordinate");
-    engineCheck(false, checks::FINITE_COORDINATES);
+    const std::string reason = "point " + std::to_string(position) + " has a non-finite coordinate";
+    printError(who, reason);
+    engineFail(reason, checks::FINITE_COORDINATES);
 }
 
 }  // namespace VARN3D

@@ -137,7 +137,7 @@ void SimplePool<T>::init() {
     if (initialized) {
         messageStream() << "SimplePool::init(..), ERROR: This pool is already initialized"
                         << std::endl;
-        varnAssertText(false, "false");
+        varnFail("a pool was initialised twice", "false");
     }
     addBlock(Traits::initialSize);
     initialized = true;
@@ -158,7 +158,7 @@ void SimplePool<T>::addBlock(std::int32_t request) {
     Block block{std::unique_ptr<T, FreeBlock>(static_cast<T*>(pMemory)), size};
     if (pMemory == nullptr) {
         messageStream() << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
-        varnAssertText(false, "false");
+        varnFail("out of memory", "false");
     }
     vBlocks.push_back(std::move(block));
     try {

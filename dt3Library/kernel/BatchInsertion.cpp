@@ -6,6 +6,7 @@
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
 #include "dt3Library/kernel/RecordWriter.h"
+#include "dt3Library/kernel/StartsAhead.h"
 
 namespace VARN3D {
 
@@ -19,10 +20,12 @@ constexpr std::size_t expectedTets(std::size_t numVertices) {
 }  // namespace
 
 BatchInsertion::BatchInsertion(const GeomTest3& geomTest, const KernelSteps& kernelSteps,
-                               TetRecycler& recycler, const HC3& vertexStore)
+                               TetRecycler& recycler, const HC3& vertexStore,
+                               BatchProgress& batchProgress)
     : predicates(geomTest),
       steps(kernelSteps),
       tets(recycler),
+      progress(batchProgress),
       records(recycler.getPool()),
       storeIndex(vertexStore.getPool()) {}
 
@@ -34,7 +37,11 @@ Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     setUpState();
     MeshLoader loader(tets, records, storeIndex, numberInStore, *state);
     loader.load(steps);
-    insertAll(loader.slotOfRecord(pStart));
+    progress.setTotal(points.size() - firstNew);
+    VertexNumber vertex = firstNew;
+    if (goesOnAt(vertex)) insertAlongOrder(vertex, loader.slotOfRecord(pStart));
+    if (goesOnAt(vertex)) insertBesideEarlier(vertex);
+    points.resize(vertex);  // the others go on waiting
     VARN3D_COUNT(insertions, points.size() - firstNew);
     VARN3D_COUNT(tetsPassed, state->numSteps);
     VARN3D_COUNT(created, state->numMade);
@@ -80,32 +87,31 @@ void BatchInsertion::setUpState() {
                                          records.size() + expectedTets(points.size() - firstNew),
                                          frame.isCertifiable());
     CompactVertex* const vertices = state->mesh.vertices();
-    for (std::size_t i = 1; i <= numVertices; ++i) {
+    for (std::size_t i = 1; i <= numVertices; ++i)
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
-        vertices[i].firstLabel = 0;
-    }
     state->findLattice(numVertices);
 }
 
-void BatchInsertion::insertAll(Slot start) {
-    const auto numVertices = static_cast<VertexNumber>(points.size() - 1);
-    if (firstNew > numVertices) return;
-    VertexNumber vertex = firstNew;
+bool BatchInsertion::goesOnAt(VertexNumber vertex) {
+    return vertex < points.size() && progress.goesOn(vertex - firstNew);
+}
+
+/// Begins each walk where the last one ended, as long as such walks are short.
+void BatchInsertion::insertAlongOrder(VertexNumber& vertex, Slot start) {
     // Where the order leads from each vertex to one beside it, walks take less than a step a vertex
     // in a mesh of these vertices only, and a few in one that had others before.
-    const std::uint64_t maxSteps = 4 * std::uint64_t{numVertices} / (numVertices + 1 - firstNew);
-    for (; vertex <= numVertices &&
-           state->numSteps <= maxSteps * std::uint64_t{vertex - firstNew} + 4096;
+    const std::uint64_t maxSteps = 4 * (points.size() - 1) / (points.size() - firstNew);
+    for (;
+         goesOnAt(vertex) && state->numSteps <= maxSteps * std::uint64_t{vertex - firstNew} + 4096;
          ++vertex)
         start = steps.insertVertex(*state, vertex, start);
-    if (vertex > numVertices) return;
+}
 
+void BatchInsertion::insertBesideEarlier(VertexNumber& vertex) {
     const EarlierNeighbours neighbours(points, vertex);
     state->listIncident();
-    for (; vertex <= numVertices; ++vertex) {
-        const VertexNumber near = neighbours.nearestTo(state->mesh.vertices(), vertex);
-        steps.insertVertex(*state, vertex, state->incident[near]);
-    }
+    StartsAhead starts(*state, neighbours, vertex, static_cast<VertexNumber>(points.size() - 1));
+    for (; goesOnAt(vertex); ++vertex) steps.insertVertex(*state, vertex, starts.startFor(vertex));
 }
 
 }  // namespace VARN3D

@@ -6,6 +6,7 @@
 
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/HC3.h"
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/ExactFrame.h"
@@ -28,12 +29,12 @@ class BatchInsertion {
     static bool pays(std::size_t numNew, std::size_t numInMesh) { return numNew >= numInMesh; }
 
     BatchInsertion(const GeomTest3& geomTest, const KernelSteps& kernelSteps, TetRecycler& recycler,
-                   const HC3& vertexStore);
+                   const HC3& vertexStore, BatchProgress& batchProgress);
 
     /// Inserts the vertices of the list that are not in the mesh, in the order of InsertionOrder,
-    /// beginning at a tetrahedron of the mesh. Returns a tetrahedron of the new mesh; all pointers
-    /// to tetrahedra from before are void. Throws std::bad_alloc and, on a mesh with faults,
-    /// VarnException.
+    /// beginning at a tetrahedron of the mesh, as long as the host wants it to go on. Returns a
+    /// tetrahedron of the new mesh; all pointers to tetrahedra from before are void. Throws
+    /// std::bad_alloc and, on a mesh with faults, VarnException.
     Tet3* run(std::vector<Point3*>& vVertices, const Tet3* pStart);
 
     /// How many vertices the mesh has.
@@ -44,11 +45,14 @@ class BatchInsertion {
     void listNewVertices(std::vector<Point3*>& vVertices);
     ExactFrame frameOfAll() const;
     void setUpState();
-    void insertAll(Slot start);
+    bool goesOnAt(VertexNumber vertex);
+    void insertAlongOrder(VertexNumber& vertex, Slot start);
+    void insertBesideEarlier(VertexNumber& vertex);
 
     const GeomTest3& predicates;
     const KernelSteps& steps;
     TetRecycler& tets;
+    BatchProgress& progress;
 
     const PoolIndex<Tet3> records;
     const PoolIndex<Point3> storeIndex;

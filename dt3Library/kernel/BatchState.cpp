@@ -18,10 +18,7 @@ void BatchState::Free::operator()(std::uint32_t* memory) const {
 
 BatchState::BatchState(const GeomTest3& geomTest, std::size_t numVertices, std::size_t expectedTets,
                        bool bAllowsCertificate)
-    : mesh(numVertices, expectedTets),
-      exact(geomTest, mesh),
-      bCertified(bAllowsCertificate),
-      numbers(numVertices + 1) {
+    : mesh(numVertices, expectedTets), exact(geomTest, mesh), bCertified(bAllowsCertificate) {
     growRegionLists(256, 256);
 }
 
@@ -65,14 +62,14 @@ void BatchState::findLattice(std::size_t numVertices) {
 }
 
 void BatchState::listIncident() {
-    incident.assign(numbers.size(), CompactMesh::DUMMY);
+    incident.assign(mesh.numVertices(), CompactMesh::DUMMY);
     for (std::size_t slot = 1; slot < mesh.numSlots(); ++slot)
         for (const VertexNumber corner : mesh.tets()[slot].vertex)
             incident[corner] = static_cast<Slot>(slot);
 }
 
 void BatchState::restartNumbers() {
-    std::fill(numbers.begin(), numbers.end(), 0);
+    for (std::size_t i = 0; i < mesh.numVertices(); ++i) mesh.vertices()[i].cavityNumber = 0;
     firstNumber = 1;
 }
 

@@ -44,14 +44,12 @@ struct BatchState {
     std::vector<CavityFacet> facets;
     EdgeTable edges;
 
-    /// For each vertex its number in the cavity that last had it, plus the `firstNumber` of then.
-    /// What earlier insertions gave is below the present one.
-    std::vector<std::uint32_t> numbers;
+    /// What the numbers begin with that the present insertion gives to the cavity's vertices.
     std::uint32_t firstNumber = 1;
 
     /// Makes room for the numbers of one more insertion.
     void startNumbering() {
-        if (firstNumber > 0xFFFFFFFFU - numbers.size()) restartNumbers();
+        if (firstNumber > 0xFFFFFFFFU - mesh.numVertices()) restartNumbers();
     }
 
     /// How many finite tetrahedra have been made.

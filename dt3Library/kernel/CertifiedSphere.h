@@ -42,7 +42,7 @@ namespace VARN3D {
 /// (g) Both: |o' - O| <= 34.4 ku (1 + 3.01 ku) rho + 3.01 ku rho <= 38 ku rho =: e rho.
 /// (h) The conditions, in which det det is rounded once, the product of lifts eleven times, the sum
 ///     once and r2 three times, give ku <= (1 + 8u) u / sqrt(DETERMINANT), which is 2^-30, and
-///     u reach / rho <= (1 + 2e) u / sqrt(RADIUS), which is 2^-28.
+///     u reach / rho <= (1 + 2e) u / sqrt(RADIUS), which is 2^-24.
 /// (i) Stored centre: it is off by |o' - O| + u |p + o'| at most, which is below f rho with
 ///     f = e + 1.74u reach / rho + 1.01u.
 /// (j) Stored squared radius: |o'|^2 within 3 roundings of a double and one of a float.
@@ -54,7 +54,7 @@ namespace VARN3D {
 ///     Neither can be if 2f + 2e + 9.03u + 2^-24 is less than ETA by more than the terms of second
 ///     order, of which 0.02 ETA is far more than enough. With (g) to (i) that is
 ///         152 ku + 3.5u reach / rho + 2^-24 + 14u < 0.98 ETA,
-///     and 152 * 2^-30 + 3.5 * 2^-28 + 2^-24 + 14u is 0.899 ETA.
+///     and 152 * 2^-30 + 3.5 * 2^-24 + 2^-24 + 14u is 0.860 ETA.
 ///
 /// Range. With coordinates up to 2^30 rows are below 2^32, determinants below 2^97, numerators
 /// below 2^130 and the product of the lifts below 2^192; k <= 2^23 makes rho less than 1.5 * 2^55.
@@ -62,19 +62,19 @@ namespace VARN3D {
 /// distance to a far q may become infinite, which is then truly outside. With det det > 2^-800,
 /// P > 2^-401, so that each row is above 2^-466, each lift above 2^-932, each product of two rows
 /// above 2^-434, of two lifts above 2^-868: the bounds above exceed what underflow adds to them,
-/// 2^-1074 an operation, by 2^80 and more. r2 > 2^-50 * 2^-60 is a normal float, and the stored
+/// 2^-1074 an operation, by 2^80 and more. r2 > 2^-58 * 2^-60 is a normal float, and the stored
 /// centre and the distances compared with r2 are far too large for underflow to matter to them.
 /// Rows that vanish or make no determinant fail the first condition, and so does a NaN.
 struct ProvedCertificate {
-    static constexpr double ETA = 0x1p-22;
+    static constexpr double ETA = 0x1p-21;
     static constexpr double DETERMINANT = 0x1p-46;
-    static constexpr double RADIUS = 0x1p-50;
+    static constexpr double RADIUS = 0x1p-58;
     static constexpr double LEAST_DETERMINANT = 0x1p-800;
     static constexpr double LEAST_REACH = 0x1p-30;
     static constexpr double MAX_COORDINATE = 0x1p30;
     /// The roots of 1 / DETERMINANT and 1 / RADIUS, for the inequality of (k).
     static constexpr double MAX_CONDITION = 0x1p23;
-    static constexpr double MAX_DISTANCE = 0x1p25;
+    static constexpr double MAX_DISTANCE = 0x1p29;
 };
 static_assert(ProvedCertificate::MAX_CONDITION * ProvedCertificate::MAX_CONDITION *
                           ProvedCertificate::DETERMINANT ==

@@ -18,10 +18,11 @@ void CompactMesh::Free::operator()(void* memory) const {
 }
 
 CompactMesh::CompactMesh(std::size_t numVertices, std::size_t expectedTets)
-    // One more than is asked for: while a vertex is inserted the next one is looked at.
-    : vertexArray(new CompactVertex[numVertices + 2]) {
+    : verticesUsed(numVertices + 1),
+      // One more: while a vertex is inserted the next one is looked at.
+      vertexArray(new CompactVertex[numVertices + 2]()) {
     constexpr double NOWHERE = std::numeric_limits<double>::quiet_NaN();
-    vertexArray[AT_INFINITY] = {{NOWHERE, NOWHERE, NOWHERE}, 0};
+    vertexArray[AT_INFINITY] = {{NOWHERE, NOWHERE, NOWHERE}, 0, 0};
     vertexArray[numVertices + 1] = vertexArray[AT_INFINITY];
     grow(expectedTets + 1);
     slotsUsed = 1;

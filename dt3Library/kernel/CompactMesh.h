@@ -36,6 +36,9 @@ struct alignas(32) CompactVertex {
     double at[3];
     /// How many finite tetrahedra had been made when this vertex was inserted.
     std::uint32_t firstLabel;
+    /// Its number in the cavity that last had it, plus the `firstNumber` of then. What earlier
+    /// insertions gave is below the present one.
+    std::uint32_t cavityNumber;
 };
 
 /// A tetrahedron in one cache line: whoever asks whether a point lies in its circumsphere reads
@@ -84,6 +87,8 @@ class CompactMesh {
 
     CompactVertex* vertices() { return vertexArray.get(); }
     const CompactVertex* vertices() const { return vertexArray.get(); }
+    /// The one at infinity included.
+    std::size_t numVertices() const { return verticesUsed; }
     CompactTet* tets() { return tetArray; }
     const CompactTet* tets() const { return tetArray; }
     /// All slots below this one have been in use, the dummy included.
@@ -127,6 +132,7 @@ class CompactMesh {
     void grow(std::size_t needed);
     void alignTets();
 
+    std::size_t verticesUsed;
     std::unique_ptr<CompactVertex[]> vertexArray;
     std::unique_ptr<void, Free> block;
     CompactTet* tetArray = nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -21,10 +22,14 @@ class EarlierNeighbours {
     /// from 1 on have been. Throws std::bad_alloc. O(n log n).
     EarlierNeighbours(const std::vector<Point3*>& points, VertexNumber first);
 
+    /// Those inserted before that are next to it, AT_INFINITY for none.
+    std::array<VertexNumber, 2> candidatesFor(VertexNumber vertex) const {
+        return {predecessors[vertex], successors[vertex]};
+    }
+
     /// The nearer one of those inserted before; AT_INFINITY if there is none.
     VertexNumber nearestTo(const CompactVertex* vertices, VertexNumber vertex) const {
-        const VertexNumber before = predecessors[vertex];
-        const VertexNumber after = successors[vertex];
+        const auto [before, after] = candidatesFor(vertex);
         if (before == AT_INFINITY || after == AT_INFINITY) return before + after;
         return squaredDistance(vertices[before], vertices[vertex]) <
                        squaredDistance(vertices[after], vertices[vertex])

@@ -408,7 +408,7 @@ inline double reachOf(const BatchState& state, const CompactVertex& vertex) {
 /// edges of its boundary. Returns whether any of them are ghosts.
 inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
     const CompactTet* const tets = state.mesh.tets();
-    std::uint32_t* const numbers = state.numbers.data();
+    CompactVertex* const vertices = state.mesh.vertices();
     const FacetCode* const inner = state.inner.data();
     const Slot* const slots = state.region.data();
     NewCorners* const corners = state.corners.data();
@@ -425,10 +425,10 @@ inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
         for (unsigned k = 0; k < 3; ++k) {
             const VertexNumber corner = tet.vertex[facet[k]];
             corners[i].vertex[k] = corner;
-            const std::uint32_t known = numbers[corner];
+            const std::uint32_t known = vertices[corner].cavityNumber;
             const bool bNew = known < firstNumber;
             const std::uint32_t given = bNew ? nextNumber : known;
-            numbers[corner] = given;
+            vertices[corner].cavityNumber = given;
             nextNumber += bNew ? 1U : 0U;
             number[k] = given - firstNumber;
         }
@@ -437,7 +437,7 @@ inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
     }
     if (nextNumber - firstNumber != numExpected) state.failOpenCavity(1);
     state.firstNumber = nextNumber;
-    return numbers[AT_INFINITY] >= firstNumber;
+    return vertices[AT_INFINITY].cavityNumber >= firstNumber;
 }
 
 inline std::uint32_t countGhosts(const BatchState& state, std::uint32_t numFacets) {

@@ -33,6 +33,10 @@ class WideInteger {
         return bNegative ? -1 : 1;
     }
 
+    /// The magnitude's limbs, of which the topmost is not 0.
+    int numLimbs() const { return end; }
+    std::uint64_t limb(int i) const { return limbOrZero(i); }
+
     friend WideInteger operator+(const WideInteger& a, const WideInteger& b) {
         return a.plus(b, b.bNegative);
     }

@@ -341,6 +341,8 @@ class Converter {
 
     /// Whether all coordinates so far were multiples of the unit.
     bool isExact() const { return lost == 0; }
+    /// The unit is 2 to this power.
+    int unitExponent() const { return highest - 1082 - 64 * static_cast<int>(N - 1); }
 
   private:
     int highest = 0;
@@ -361,13 +363,13 @@ class Converter<1> {
                 const double size = std::fabs(c);
                 largest = largest < size ? size : largest;
             }
-        // largest < 2^(exponent - 1021); where the scale would overflow, two limbs must do.
-        const int exponent = BinaryParts(largest).exponent;
+        // largest < 2^(highest - 1021); where the scale would overflow, two limbs must do.
+        highest = BinaryParts(largest).exponent;
         constexpr int LOWEST = 60;
-        bInexact = exponent < LOWEST;
+        bInexact = highest < LOWEST;
         if (bInexact) return;
-        scale = powerOfTwo(61 + 1021 - exponent);
-        unit = powerOfTwo(exponent - 61 - 1021);
+        scale = powerOfTwo(-unitExponent());
+        unit = powerOfTwo(unitExponent());
     }
 
     Integer operator()(double coordinate) {
@@ -377,8 +379,10 @@ class Converter<1> {
     }
 
     bool isExact() const { return !bInexact; }
+    int unitExponent() const { return highest - 1082; }
 
   private:
+    int highest = 0;
     double scale = 0.0;
     double unit = 0.0;
     bool bInexact;
@@ -387,6 +391,7 @@ class Converter<1> {
 /// In units of the smallest double a difference of any two has 2099 bits.
 struct WideConverter {
     using Integer = WideInteger<33>;
+    static constexpr int UNIT_EXPONENT = -1074;
 
     Integer operator()(double coordinate) const {
         const BinaryParts parts(coordinate);

@@ -47,7 +47,7 @@ HilbertGrid::HilbertGrid(const double (&minimum)[3], const double (&extents)[3],
 }
 
 std::uint32_t HilbertGrid::keyOf(const Point3& point) const {
-    double at[3][4] = {{point.x()}, {point.y()}, {point.z()}};
+    const double at[3][4] = {{point.x()}, {point.y()}, {point.z()}};
     std::uint32_t keys[4];
     keysOf(at, keys);
     return keys[0];
@@ -55,9 +55,10 @@ std::uint32_t HilbertGrid::keyOf(const Point3& point) const {
 
 /// The octants are found level by level for four points side by side, and without a branch: they
 /// are unpredictable.
-void HilbertGrid::keysOf(double (&at)[3][4], std::uint32_t (&keys)[4]) const {
+void HilbertGrid::keysOf(const double (&at)[3][4], std::uint32_t (&keys)[4]) const {
+    double rest[3][4];
     for (int axis = 0; axis < 3; ++axis)
-        for (int i = 0; i < 4; ++i) at[axis][i] -= low[axis];
+        for (int i = 0; i < 4; ++i) rest[axis][i] = at[axis][i] - low[axis];
     double half[3] = {extent[0] / 2, extent[1] / 2, extent[2] / 2};
     std::uint32_t octants[4] = {};
     for (unsigned level = 0; level < numLevels; ++level) {
@@ -67,8 +68,8 @@ void HilbertGrid::keysOf(double (&at)[3][4], std::uint32_t (&keys)[4]) const {
         for (int axis = 0; axis < 3; ++axis) {
             const double step[2] = {0.0, half[axis]};
             for (int i = 0; i < 4; ++i) {
-                const unsigned upper = at[axis][i] >= threshold ? 1 : 0;
-                at[axis][i] -= step[upper];
+                const unsigned upper = rest[axis][i] >= threshold ? 1 : 0;
+                rest[axis][i] -= step[upper];
                 octants[i] = 2 * octants[i] + upper;
             }
             half[axis] *= 0.5;

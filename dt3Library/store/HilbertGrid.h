@@ -20,8 +20,8 @@ class HilbertGrid {
     /// The place of the point's cell on the curve, below 2^(3 levels).
     std::uint32_t keyOf(const Point3& point) const;
 
-    /// The keys of four points at once. Their coordinates, all x first, are used up.
-    void keysOf(double (&at)[3][4], std::uint32_t (&keys)[4]) const;
+    /// The keys of four points at once, from their coordinates, all x first.
+    void keysOf(const double (&at)[3][4], std::uint32_t (&keys)[4]) const;
 
     /// Fills `keyed` with the keys of n points, each above the point's position in the lower
     /// `positionBits` bits. `pointAt(i)` gives point i.

@@ -6,7 +6,7 @@ classes='Varn_3D|Point3|Vector3|Bbox3|Segment3|Triangle3|Ball3|Tet3|Edge3|Facet3
 classes="$classes|TetAroundEdgeIterator|VarnException|PointLocator"
 functions='getNormalVector|isRelease|getMajorVersionNumber|getMinorVersionNumber'
 functions="$functions|getRevisionNumber|getVarn3DVersion|timer|generateRandomNumbers"
-functions="$functions|generateRandomPoints|normalize|operator<<"
+functions="$functions|generateRandomPoints|getVoronoiCell|normalize|operator<<"
 public="^VARN3D::($classes)::|^VARN3D::($functions)(\\[abi:cxx11\\])?\\(|^benchCounter\\("
 public="$public|^(typeinfo|typeinfo name|vtable) for VARN3D::VarnException\$"
 
