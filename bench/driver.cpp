@@ -33,12 +33,6 @@ std::size_t statusBytes(const std::string& name) {
     throw std::runtime_error("no " + name + " in /proc/self/status");
 }
 
-double cpuSeconds() {
-    timespec now;
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
 void forgetPeak() {
     std::ofstream("/proc/self/clear_refs") << "5";
 }
@@ -52,17 +46,25 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
+void print(const char* name, const QueryPass& pass) {
+    std::printf("\"%s\": %.9f, \"%sSum\": %.17g, ", name, pass.seconds, name, pass.sum);
+}
+
 void print(const Report& report, std::size_t points) {
     std::printf(
         "{\"engine\": \"%s\", \"points\": %zu, \"seconds\": %.9f, \"cpuSeconds\": %.9f, "
-        "\"listTetrahedra\": %.9f, "
-        "\"listVertices\": %.9f, \"locate\": %.9f, \"located\": %zu, \"peakBytes\": %zu, "
-        "\"tetrahedra\": %zu, \"vertices\": %zu, \"volume\": %.17g, \"valid\": %s, "
-        "\"fault\": \"%s\", \"profile\": {%s}}\n",
+        "\"listTetrahedra\": %.9f, \"listVertices\": %.9f, \"indexedMesh\": %.9f, ",
         engineName, points, report.seconds, report.cpuSeconds, report.listTetrahedra,
-        report.listVertices, report.locate, report.located, report.peakBytes, report.tetrahedra,
-        report.vertices, report.volume, report.valid ? "true" : "false",
-        escaped(report.fault).c_str(), report.profile.c_str());
+        report.listVertices, report.indexedMesh);
+    print("locate", report.locate);
+    print("locateOn", report.locateOn);
+    print("nearest", report.nearest);
+    print("nearestOn", report.nearestOn);
+    std::printf(
+        "\"peakBytes\": %zu, \"tetrahedra\": %zu, \"vertices\": %zu, \"volume\": %.17g, "
+        "\"valid\": %s, \"fault\": \"%s\", \"profile\": {%s}}\n",
+        report.peakBytes, report.tetrahedra, report.vertices, report.volume,
+        report.valid ? "true" : "false", escaped(report.fault).c_str(), report.profile.c_str());
 }
 
 std::size_t parsedCount(const char* text) {
@@ -94,10 +96,19 @@ Job parsedJob(int argc, char** argv) {
             throw std::runtime_error("unknown option " + option);
         }
     }
+    if (job.points.size() == 0 && !job.queries.empty()) {
+        throw std::runtime_error("queries need points to be asked of");
+    }
     return job;
 }
 
 }  // namespace
+
+double cpuSeconds() {
+    timespec now;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
 
 PointFile::PointFile(const std::string& path) {
     const int file = open(path.c_str(), O_RDONLY);

@@ -39,7 +39,7 @@ struct Job {
     /// first `head`, which come as a batch.
     std::size_t batches = 1;
     std::size_t head = 0;
-    /// Points to locate in the finished mesh.
+    /// Points to look for in the finished mesh, in this order.
     std::vector<Position> queries;
     /// Whether the engine shall also check its whole mesh, outside the measured time.
     bool fullCheck = false;
@@ -50,14 +50,28 @@ struct Job {
     }
 };
 
+/// One pass over the queries: its time in seconds, negative when the engine has no such query, and
+/// a sum over the answers in which all engines agree.
+struct QueryPass {
+    double seconds = -1.0;
+    double sum = 0.0;
+};
+
 /// What one process found. Times are in seconds; negative: not measured.
 struct Report {
     double seconds = -1.0;
     double cpuSeconds = -1.0;
     double listTetrahedra = -1.0;
     double listVertices = -1.0;
-    double locate = -1.0;
-    std::size_t located = 0;
+    double indexedMesh = -1.0;
+    /// @{
+    /// Each query on its own, and each from where the last one ended. The sums are of the points in
+    /// the hull, and of the squared distances to the nearest vertices.
+    QueryPass locate;
+    QueryPass locateOn;
+    QueryPass nearest;
+    QueryPass nearestOn;
+    /// @}
     /// Growth of the resident memory over the state with the engine's input in place, at its peak.
     std::size_t peakBytes = 0;
     std::size_t tetrahedra = 0;
@@ -87,11 +101,28 @@ class Measurement {
     std::chrono::steady_clock::time_point start;
 };
 
+/// The process's own time so far, which other work on the machine disturbs less.
+double cpuSeconds();
+
 template <typename Action>
 double secondsOf(Action&& action) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = cpuSeconds();
     action();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return cpuSeconds() - start;
+}
+
+template <typename Answer>
+QueryPass passOver(const std::vector<Position>& queries, Answer&& answer) {
+    QueryPass pass;
+    pass.seconds = secondsOf([&] {
+        for (const Position& query : queries) pass.sum += answer(query);
+    });
+    return pass;
+}
+
+inline double squaredDistance(const Position& a, const Position& b) {
+    const Position d = {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
+    return d[0] * d[0] + d[1] * d[1] + d[2] * d[2];
 }
 
 /// The engine's name, and its part of the work; each driver program defines both.

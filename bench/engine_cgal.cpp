@@ -48,6 +48,32 @@ void examine(const Mesh& mesh, bool fullCheck, Report& report) {
     if (fullCheck && !mesh.is_valid()) report.reject("is_valid found a fault");
 }
 
+/// With a hint CGAL walks from there; without one it descends its hierarchy of meshes.
+template <typename Mesh>
+void answerQueries(const Mesh& mesh, const std::vector<Position>& queries, Report& report) {
+    const auto distanceTo = [](typename Mesh::Vertex_handle vertex, const Position& query) {
+        const Point& p = vertex->point();
+        return squaredDistance(query, {p.x(), p.y(), p.z()});
+    };
+    report.locate = passOver(queries, [&](const Position& query) {
+        return !mesh.is_infinite(mesh.locate(pointAt(query)));
+    });
+    typename Mesh::Cell_handle last;
+    report.locateOn = passOver(queries, [&](const Position& query) {
+        last = mesh.locate(pointAt(query), last);
+        return !mesh.is_infinite(last);
+    });
+    report.nearest = passOver(queries, [&](const Position& query) {
+        return distanceTo(mesh.nearest_vertex(pointAt(query)), query);
+    });
+    last = {};
+    report.nearestOn = passOver(queries, [&](const Position& query) {
+        const auto nearest = mesh.nearest_vertex(pointAt(query), last);
+        last = nearest->cell();
+        return distanceTo(nearest, query);
+    });
+}
+
 template <typename Mesh>
 void run(Job& job, Report& report) {
     std::vector<Point> input;
@@ -60,12 +86,7 @@ void run(Job& job, Report& report) {
     insertAll(mesh, input, job);
     measurement.stop(report);
     examine(mesh, job.fullCheck, report);
-    if (job.queries.empty()) return;
-    report.locate = secondsOf([&] {
-        for (const Position& query : job.queries) {
-            report.located += !mesh.is_infinite(mesh.locate(pointAt(query)));
-        }
-    });
+    if (!job.queries.empty()) answerQueries(mesh, job.queries, report);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "driver.h"
+#include "dt3Library/PointLocator.h"
 #include "dt3Library/Varn_3D.h"
 #ifdef VARN3D_PROFILE
 #include "dt3Library/base/Profile.h"
@@ -67,13 +68,26 @@ void examine(VARN3D::Varn_3D& mesh, bool fullCheck, Report& report) {
     }
 }
 
-void locateAll(VARN3D::Varn_3D& mesh, const std::vector<Position>& queries, Report& report) {
+/// Each pass has a locator of its own, so that its time holds all that a locator prepares.
+void answerQueries(VARN3D::Varn_3D& mesh, const std::vector<Position>& queries, Report& report) {
     if (queries.empty()) return;
-    report.locate = secondsOf([&] {
-        for (const Position& query : queries) {
-            report.located += mesh.locate(pointAt(query)) != nullptr;
-        }
+    report.locate = passOver(
+        queries, [&](const Position& query) { return mesh.locate(pointAt(query)) != nullptr; });
+    VARN3D::PointLocator places(mesh);
+    report.locateOn = passOver(queries, [&](const Position& query) {
+        return places.locate(pointAt(query)).kind != VARN3D::LocationKind::Outside;
     });
+    VARN3D::PointLocator neighbours(mesh);
+    report.nearestOn = passOver(queries, [&](const Position& query) {
+        Position nearest;
+        neighbours.nearestVertex(pointAt(query))->xyz(nearest[0], nearest[1], nearest[2]);
+        return squaredDistance(query, nearest);
+    });
+    VARN3D::IndexedMesh indexed;
+    report.indexedMesh = secondsOf([&] { indexed = mesh.getIndexedMesh(); });
+    if (indexed.tetrahedra.size() != report.tetrahedra) {
+        report.reject("getIndexedMesh has other tetrahedra");
+    }
 }
 
 #ifdef VARN3D_PROFILE
@@ -131,7 +145,7 @@ void triangulate(Job& job, Report& report) {
         measurement.stop(report);
         writeProfile(report);
         examine(mesh, job.fullCheck, report);
-        locateAll(mesh, job.queries, report);
+        answerQueries(mesh, job.queries, report);
     } catch (const VARN3D::VarnException&) {
         report.reject("VarnException");
     }

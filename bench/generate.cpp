@@ -88,6 +88,27 @@ Points placedCube(const Arguments& arguments, Random& random) {
     });
 }
 
+/// A place in that cube as the number of its cell along the Z-order curve, 1024 cells an edge.
+std::uint32_t cellOnCurve(const Position& place, double side, const Position& corner) {
+    std::uint32_t cell = 0;
+    for (std::uint32_t axis = 0; axis < 3; ++axis) {
+        const auto part = static_cast<std::uint32_t>((place[axis] - corner[axis]) / side * 1024.0);
+        for (std::uint32_t bit = 0; bit < 10; ++bit) cell |= (part >> bit & 1) << (3 * bit + axis);
+    }
+    return cell;
+}
+
+/// The same points as in a placed cube, in the order of a curve through it.
+Points placedCubeOnCurve(const Arguments& arguments, Random& random) {
+    const double side = arguments.number(1);
+    const Position corner = {arguments.number(2), arguments.number(3), arguments.number(4)};
+    Points points = placedCube(arguments, random);
+    std::stable_sort(points.begin(), points.end(), [&](const Position& p, const Position& q) {
+        return cellOnCurve(p, side, corner) < cellOnCurve(q, side, corner);
+    });
+    return points;
+}
+
 Points gauss(const Arguments& arguments, Random& random) {
     return repeated(arguments.count(0), [&] { return random.normalPosition(); });
 }
@@ -267,6 +288,7 @@ using Shape = Points (*)(const Arguments&, Random&);
 const std::map<std::string, Shape> shapes = {
     {"cube", cube},
     {"placed_cube", placedCube},
+    {"placed_cube_on_curve", placedCubeOnCurve},
     {"gauss", gauss},
     {"clusters", clusters},
     {"sphere", sphere},

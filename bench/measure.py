@@ -100,6 +100,10 @@ class Engine:
             return {"valid": False, "fault": f"exit code {done.returncode}: {' '.join(last)}"[:200]}
 
 
+# The drivers' passes over the queries; under each name the time, and with "Sum" what it found.
+QUERY_PASSES = ("locate", "locateOn", "nearest", "nearestOn")
+
+
 def disagreement(report, reference, point_set):
     """Why a mesh cannot be the reference's; None if it can."""
     if report["vertices"] != reference["vertices"]:
@@ -108,6 +112,11 @@ def disagreement(report, reference, point_set):
         return f"volume {report['volume']:.12g}, not {reference['volume']:.12g}"
     if point_set.unique and report["tetrahedra"] != reference["tetrahedra"]:
         return f"{report['tetrahedra']} tetrahedra, not {reference['tetrahedra']}"
+    for name in QUERY_PASSES:
+        found, expected = report[name + "Sum"], reference[name + "Sum"]
+        answered = report[name] >= 0 and reference[name] >= 0
+        if answered and abs(found - expected) > 1e-9 * abs(expected):
+            return f"{name}: a sum of {found:.12g}, not {expected:.12g}"
     return None
 
 
@@ -141,7 +150,7 @@ class SetResult:
         return [r for r in self.reports.get(engine_name, []) if r is not None]
 
     def median(self, engine_name, key):
-        values = [r[key] for r in self.valid_reports(engine_name)]
+        values = [r.get(key, -1) for r in self.valid_reports(engine_name)]
         return statistics.median(values) if values and values[0] >= 0 else None
 
     def seconds(self, engine_name):
@@ -165,9 +174,11 @@ class SetResult:
                 engines[name] = {"fault": self.faults.get(name, "not run")}
                 continue
             engines[name] = {
-                key: reports[0][key] for key in ("tetrahedra", "vertices", "volume", "located")
+                key: reports[0][key]
+                for key in ("tetrahedra", "vertices", "volume", *(p + "Sum" for p in QUERY_PASSES))
             }
-            for key in ("seconds", "listTetrahedra", "listVertices", "locate", "peakBytes"):
+            for key in ("seconds", "listTetrahedra", "listVertices", "indexedMesh", *QUERY_PASSES,
+                        "peakBytes"):
                 engines[name][key] = [r[key] for r in reports]
         return {
             "points": self.point_set.points,

@@ -3,6 +3,8 @@
 import re
 import statistics
 
+from measure import QUERY_PASSES
+
 BEGIN = "<!-- figures of bench/run: begin -->"
 END = "<!-- figures of bench/run: end -->"
 
@@ -26,12 +28,13 @@ def per_point(result, engine, key, factor):
     return None if value is None else value * factor / result.point_set.points
 
 
-def all_results(groups):
+def all_results(groups, with_queries=False):
     """Each set once: a base that recurs in later groups is shown where it comes first."""
     seen = {}
     for _, results in groups:
         for name, result in results.items():
-            seen.setdefault(name, result)
+            if (result.point_set.queries is not None) == with_queries:
+                seen.setdefault(name, result)
     return seen.values()
 
 
@@ -58,7 +61,7 @@ def against_peers(groups, ours, peers):
 
 def faults(groups):
     lines = []
-    for result in all_results(groups):
+    for result in [*all_results(groups), *all_results(groups, with_queries=True)]:
         for engine, why in sorted(result.faults.items()):
             lines.append(f"- {result.point_set.name}, {engine}: {why}")
     return "\n".join(lines)
@@ -70,7 +73,7 @@ def against_base(groups, ours):
     for group, results in groups:
         base = results[group.base]
         for name, result in results.items():
-            if name == group.base:
+            if name == group.base or result.point_set.queries is not None:
                 continue
             points = base.point_set.points / result.point_set.points
             costs = [
@@ -89,7 +92,7 @@ def against_base(groups, ours):
     return table(head, rows)
 
 
-def queries(groups, engines):
+def listing(groups, engines):
     rows = []
     for result in all_results(groups):
         for engine in engines:
@@ -102,12 +105,48 @@ def queries(groups, engines):
                 [result.point_set.name, engine,
                  number(result.median(engine, "listTetrahedra"), 2, 1e3),
                  number(share, 2, 100.0) + " %",
-                 number(result.median(engine, "listVertices"), 2, 1e3),
-                 number(result.median(engine, "locate"), 3),
-                 number(result.median(engine, "located") if result.point_set.queries else None, 0)]
+                 number(result.median(engine, "listVertices"), 2, 1e3)]
             )
-    head = ["set", "engine", "all tetrahedra, ms", "of the insertion", "all vertices, ms",
-            "queries located, s", "found"]
+    head = ["set", "engine", "all tetrahedra, ms", "of the insertion", "all vertices, ms"]
+    return table(head, rows)
+
+
+def query_microseconds(result, engine, name):
+    value = result.median(engine, name)
+    return None if value is None else value * 1e6 / result.point_set.queries[1]
+
+
+def fastest(result, engine, names):
+    """For each round the time by the engine's fastest of these ways."""
+    return [min(r[name] for name in names if r[name] >= 0) for r in result.valid_reports(engine)]
+
+
+def queries_against_peers(groups, ours, peers):
+    rows = []
+    for result in all_results(groups, with_queries=True):
+        row = [result.point_set.name]
+        for names in (("locate", "locateOn"), ("nearest", "nearestOn")):
+            times = fastest(result, ours, names)
+            row.append(number(median_or_none(times), 2, 1e6 / result.point_set.queries[1]))
+            for peer in peers:
+                ratios = [a / b for a, b in zip(fastest(result, peer, names), times)]
+                row.append(number(median_or_none(ratios)))
+        rows.append(row + [number(per_point(result, ours, "indexedMesh", 1e6))])
+    ratios = [f"× {peer}" for peer in peers]
+    head = ["set", "place, µs", *ratios, "nearest vertex, µs", *ratios, "indexed mesh, µs a point"]
+    return table(head, rows)
+
+
+def queries_each_way(groups, engines):
+    rows = []
+    for result in all_results(groups, with_queries=True):
+        for engine in engines:
+            times = [query_microseconds(result, engine, name) for name in QUERY_PASSES]
+            rows.append([result.point_set.name, engine, *map(number, times),
+                         number(result.median(engine, "locateSum"), 0),
+                         number(result.median(engine, "nearestOnSum"), 4)])
+    head = ["set", "engine", "place, µs", "from the last, µs", "nearest vertex, µs",
+            "from the last, µs", "in the hull", "squared distances"]
     return table(head, rows)
 
 
@@ -162,22 +201,33 @@ def markdown(machine, revision, rounds, groups, ours, peers, brief=False):
         "point are medians of the triangulation alone; memory is the peak above the input. "
         "Engines whose mesh failed the check, or that took too long, show no time; those more "
         "than eight times slower ran once.",
-        "### Against the peers",
-        against_peers(groups, ours, peers),
-        faults(groups),
     ]
+    if all_results(groups):
+        parts += ["### Against the peers", against_peers(groups, ours, peers)]
+    parts.append(faults(groups))
+    cgals = [peer for peer in peers if peer.startswith("cgal")]
+    if all_results(groups, with_queries=True):
+        parts += ["### Queries", queries_against_peers(groups, ours, cgals)]
     if not brief:
-        parts += further_tables(groups, ours, peers)
+        parts += further_tables(groups, ours, cgals)
     return "\n\n".join(part for part in parts if part) + "\n"
 
 
-def further_tables(groups, ours, peers):
-    parts = [
-        "### Against uniform points",
-        against_base(groups, ours),
-        "### Listing and locating",
-        queries(groups, [ours, *(p for p in peers if p.startswith("cgal"))]),
-    ]
+def further_tables(groups, ours, cgals):
+    parts = []
+    if all_results(groups, with_queries=True):
+        parts += [
+            "Each query on its own, or from where the last one ended; "
+            f"{ours}'s own ways are `Varn_3D::locate` and `PointLocator`.",
+            queries_each_way(groups, [ours, *cgals]),
+        ]
+    if all_results(groups):
+        parts += [
+            "### Against uniform points",
+            against_base(groups, ours),
+            "### Listing",
+            listing(groups, [ours, *cgals]),
+        ]
     if any(result.profile for result in all_results(groups)):
         phases, stages = profiles(groups)
         parts += [

@@ -20,7 +20,7 @@ class PointSet:
     # In general position all engines must find as many tetrahedra; else the mesh is not unique,
     # and the vertices and the volume must agree.
     unique: bool = True
-    # Shape of the points to locate in the finished mesh.
+    # Shape of the points to look for in the finished mesh, whose list is measured as well.
     queries: tuple = None
     seed: int = 1
 
@@ -109,7 +109,6 @@ LARGE = Group(
         PointSet("outlier_1M_random", M, ("outlier", M, 1e6, 0)),
         PointSet("outlier_1M_sorted", M, ("outlier", M, 1e6, 1)),
         cube("singles_1M", M, batches=ONE_BY_ONE),
-        cube("locate_1M", M, queries=("cube", M)),
     ),
 )
 
@@ -133,7 +132,25 @@ HOSTILE = Group(
     ),
 )
 
-GROUPS = (SCALE, MEDIUM, LARGE, HOSTILE)
+
+def with_queries(name, order, side, corner):
+    return cube(name, M, queries=(order, 200 * K, side, corner, corner, corner))
+
+
+# The same queries in two orders: uniform in the mesh's cube, and in one of three times its size
+# around it, where nearly all lie outside.
+QUERIES = Group(
+    "queries",
+    "queries_random_1M",
+    (
+        with_queries("queries_random_1M", "placed_cube", 1, 0),
+        with_queries("queries_sorted_1M", "placed_cube_on_curve", 1, 0),
+        with_queries("queries_around_random_1M", "placed_cube", 3, -1),
+        with_queries("queries_around_sorted_1M", "placed_cube_on_curve", 3, -1),
+    ),
+)
+
+GROUPS = (SCALE, MEDIUM, LARGE, HOSTILE, QUERIES)
 
 
 def selected_groups(groups, names, largest):
