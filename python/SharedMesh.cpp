@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "dt3Library/voronoi.h"
 #include "python/affineWeights.h"
 
 namespace varn3d_python {
@@ -17,6 +18,7 @@ using VARN3D::Location;
 using VARN3D::LocationKind;
 using VARN3D::Point3;
 using VARN3D::Tet3;
+using VARN3D::VoronoiCell;
 
 namespace {
 
@@ -51,12 +53,17 @@ void interpolateIn(const Tet3& tet, const Point3& point, const double* values,
 
 }  // namespace
 
-void SharedMesh::insert(const double* xyz, std::size_t numNew) {
+void SharedMesh::insert(const double* xyz, std::size_t numNew, const Poll& poll) {
     const Alone alone(access);
     indexed.reset();
     graph.reset();
+    mesh.setProgress([&](std::size_t, std::size_t) {
+        poll();
+        return true;
+    });
     std::vector<Point3*> handles;
     try {
+        if (mesh.getNumWaiting() > 0) mesh.insertWaiting();
         mesh.insert(xyz, numNew, handles);
     } catch (...) {
         // The library counts the points of a batch that failed unless it has forgotten them.
@@ -145,6 +152,20 @@ void SharedMesh::interpolate(const double* values, std::size_t numValues, std::s
         else
             interpolateIn(*location.tet, point, values, numColumns, result);
     });
+}
+
+std::vector<double> SharedMesh::getVoronoiVolumes(const Poll& poll) {
+    const Shared shared = shareIndexed();
+    std::vector<double> volumes(numPoints);
+    std::vector<Point3*> vertices;
+    mesh.getVertices(vertices);
+    forEach(vertices.size(), poll, [&](std::size_t i) {
+        const VoronoiCell cell = getVoronoiCell(mesh, vertices[i]);
+        volumes[static_cast<std::size_t>(vertices[i]->getIndex())] = cell.volume;
+    });
+    for (const auto& [duplicate, first] : indexed->duplicates)
+        volumes[static_cast<std::size_t>(duplicate)] = volumes[static_cast<std::size_t>(first)];
+    return volumes;
 }
 
 bool SharedMesh::check() {

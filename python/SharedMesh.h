@@ -20,9 +20,10 @@ class SharedMesh {
     /// Called now and then in what may take long. May throw, to stop it.
     using Poll = std::function<void()>;
 
-    /// Inserts points. Where it throws, the mesh is valid, and `getNumPoints` tells whether the
-    /// points count: if so, those that are not in the mesh yet join it with the next insertion.
-    void insert(const double* xyz, std::size_t numNew);
+    /// Inserts points, and those that an insertion which was stopped has left. Where it throws, the
+    /// mesh is valid, and `getNumPoints` tells whether the points count: if so, those that are not
+    /// in the mesh yet join it with the next insertion.
+    void insert(const double* xyz, std::size_t numNew, const Poll& poll);
 
     /// What the points span, -1 to 3.
     int getDimension();
@@ -44,6 +45,9 @@ class SharedMesh {
     /// number of values than of points is a std::invalid_argument.
     void interpolate(const double* values, std::size_t numValues, std::size_t numColumns,
                      const double* xyz, std::size_t numQueries, double* results, const Poll& poll);
+
+    /// The volumes of the points' cells, infinite for unbounded ones. Equal points share one.
+    std::vector<double> getVoronoiVolumes(const Poll& poll);
 
     /// Whether neighbours and empty spheres are right.
     bool check();

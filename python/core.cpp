@@ -68,7 +68,7 @@ Numbers arrayOf(const Table& table, const std::shared_ptr<const Owner>& owner) {
 
 void insert(SharedMesh& mesh, const Doubles& points) {
     const double* const xyz = points.data();
-    unlocked([&, n = rows(points)] { mesh.insert(xyz, n); });
+    unlocked([&, n = rows(points)] { mesh.insert(xyz, n, SignalPoll()); });
 }
 
 /// What returns one part of the plain mesh.
@@ -112,6 +112,19 @@ Doubles interpolate(SharedMesh& mesh, const Doubles& values, const Doubles& quer
     return results;
 }
 
+Doubles getVoronoiVolumes(SharedMesh& mesh) {
+    const auto volumes = unlocked([&] { return mesh.getVoronoiVolumes(SignalPoll()); });
+    return Doubles(static_cast<py::ssize_t>(volumes.size()), volumes.data());
+}
+
+void translate(std::exception_ptr failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const VARN3D::VarnException& exception) {
+        PyErr_SetString(PyExc_RuntimeError, exception.getReason());
+    }
+}
+
 /// The first batch of a process is stored with a narrower margin, which can decide between equally
 /// good meshes of cospherical points. A mesh that one process has pickled is to be the same in
 /// another.
@@ -131,6 +144,7 @@ PYBIND11_MODULE(_core, module) {
     using VARN3D::IndexedMesh;
     VARN3D::Varn_3D::setMessageStream(nullptr);
     takeFirstMargin();
+    py::register_exception_translator(translate);
     module.attr("__version__") = version();
     const py::call_guard<py::gil_scoped_release> othersRun;
     py::class_<SharedMesh>(module, "Mesh")
@@ -146,6 +160,7 @@ PYBIND11_MODULE(_core, module) {
         .def("find_simplex", findSimplex)
         .def("nearest_vertex", findNearest)
         .def("interpolate", interpolate)
+        .def("voronoi_volumes", getVoronoiVolumes)
         .def("check", &SharedMesh::check, othersRun);
 }
 

@@ -72,7 +72,7 @@ class Delaunay:
     added; those that the mesh shares with others are not writable.
 
     Other Python threads run while a mesh is computing, and several may use the same mesh; queries
-    run at the same time, adding points takes turns with them. Ctrl-C stops queries. Nothing
+    run at the same time, adding points takes turns with them. Ctrl-C stops what takes long. Nothing
     is printed. A mesh can be pickled; reading it back computes it anew, to the same arrays.
     """
 
@@ -198,6 +198,14 @@ class Delaunay:
         result = self._core.interpolate(table, queries.reshape(-1, 3))
         return result.reshape(queries.shape[:-1] + columns.shape[1:])
 
+    def voronoi_volumes(self) -> NDArray[np.float64]:
+        """The volume of each point's Voronoi cell, (n,): the space that is nearest to this point.
+
+        Infinite for the points whose cells are unbounded, those on the hull's surface. Equal points
+        share a cell, and each of them has its volume.
+        """
+        return self._core.voronoi_volumes()
+
     def add_points(self, points: ArrayLike) -> None:
         """Adds points to the mesh, which become the last rows of `points`.
 
@@ -216,7 +224,7 @@ class Delaunay:
 
         Notes
         -----
-        If an error ends it, the mesh is valid. Either `points` is what it was, or it has
+        If Ctrl-C or an error ends it, the mesh is valid. Either `points` is what it was, or it has
         the new points, and those that are not in a tetrahedron yet join the mesh with the next
         call, for which no points will do: `mesh.add_points(numpy.empty((0, 3)))`.
         """

@@ -123,10 +123,24 @@ def test_random_points_as_scipy(n):
         assert np.linalg.norm(nearest - xi, axis=-1) == pytest.approx(distances, rel=1e-14)
 
 
+def test_voronoi_volumes():
+    points = uniform(300)
+    volumes = Delaunay(np.vstack([points, points[:2]])).voronoi_volumes()
+    assert np.array_equal(volumes[300:], volumes[:2])
+    voronoi = scipy.spatial.Voronoi(points)
+    for volume, region in zip(volumes, voronoi.point_region):
+        corners = voronoi.regions[region]
+        expected = np.inf if -1 in corners else scipy.spatial.ConvexHull(voronoi.vertices[corners]).volume
+        assert volume == pytest.approx(expected, rel=1e-9)
+
+
 def test_grids_are_filled_without_flat_tetrahedra():
     mesh = Delaunay(grid(12))
     volumes = determinants(mesh.points, mesh.simplices)
     assert volumes.min() >= 1 and volumes.sum() == 6 * 11**3
+    cells = np.full((12, 12, 12), np.inf)
+    cells[1:-1, 1:-1, 1:-1] = 1
+    assert mesh.voronoi_volumes().reshape(cells.shape) == pytest.approx(cells)
     # Eight grid points are equally near: the first one counts.
     assert np.array_equal(mesh.nearest_vertex(grid(11) + 0.5), grid(11) @ [144, 12, 1])
 
@@ -310,12 +324,26 @@ def test_signals_are_heard_and_end_what_takes_long():
     n = 40000
     many = uniform(3 * n)
     mesh = Delaunay(many[:n])
-    for call in mesh.find_simplex, mesh.nearest_vertex, lambda xi: mesh.interpolate(many[:n], xi):
+    calls = [
+        lambda: Delaunay(many),
+        lambda: mesh.find_simplex(many),
+        lambda: mesh.nearest_vertex(many),
+        lambda: mesh.interpolate(many[:n], many),
+        mesh.voronoi_volumes,
+    ]
+    for call in calls:
         with Alarm(raises=False) as alarm:
-            call(many)
+            call()
         assert alarm.count > 3
         with pytest.raises(Rung), Alarm(raises=True):
-            call(many)
+            call()
+    for count in n // 4, 2 * n:
+        mesh = Delaunay(many[:n])
+        with pytest.raises(Rung), Alarm(raises=True):
+            mesh.add_points(many[n:n + count])
+        assert len(np.unique(mesh.simplices)) < n + count and mesh.check()
+        mesh.add_points(many[len(mesh.points):n + count])
+        assert rows(mesh.simplices) == rows(Delaunay(many[:n + count]).simplices)
 
 
 def test_threads_share_a_mesh():
