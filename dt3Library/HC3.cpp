@@ -52,7 +52,7 @@ void HC3::enlargeBox(double factor) {
                        numBits / 3);
     bValid = true;
     bPoolInCurveOrder = false;
-    bTableValid = false;
+    bTableOutgrown = true;
 }
 
 /// Grows the box to hold the points. Returns whether it has changed.
@@ -80,8 +80,11 @@ Point3* HC3::newVertex(const Point3& point, std::uint64_t place) {
 }
 
 VertexTable& HC3::getTable() {
-    if (!bTableValid) {
+    if (!bTableValid || (bTableOutgrown && numVertices >= 2 * numWhenBuilt)) {
+        bTableValid = false;  // if memory runs out half-way
         table.build(vertices, bbox);
+        numWhenBuilt = numVertices;
+        bTableOutgrown = false;
         bTableValid = true;
     }
     return table;

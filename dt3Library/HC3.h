@@ -127,6 +127,10 @@ class HC3 {
     std::uint64_t firstPlace = 0;
     VertexTable table;
     bool bTableValid = false;
+    /// Whether the box has grown since the table was made. The table stays right, only its cells
+    /// become coarse, so it is made anew when it has twice as many vertices.
+    bool bTableOutgrown = false;
+    std::size_t numWhenBuilt = 0;
     /// Whether the pool's order is the curve's: true after one batch, until anything is added.
     bool bPoolInCurveOrder = false;
 };

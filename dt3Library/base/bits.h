@@ -15,6 +15,17 @@ inline unsigned lowestBit(unsigned bits) {
 #endif
 }
 
+/// The place of the highest bit set; there must be one.
+inline unsigned highestBit(std::uint64_t bits) {
+#if defined(__GNUC__)
+    return 63U - static_cast<unsigned>(__builtin_clzll(bits));
+#else
+    unsigned place = 63;
+    while ((bits >> place & 1U) == 0) --place;
+    return place;
+#endif
+}
+
 /// How many bits are set.
 inline unsigned bitCount(unsigned bits) {
 #if defined(__GNUC__)

@@ -17,7 +17,9 @@ class PoolIndex {
   public:
     explicit PoolIndex(const SimplePool<T>& pool) {
         pool.forEachBlock([this](T* first, std::int32_t used) {
-            inOrder.push_back({first, first + used, total});
+            const Block block{first, first + used, total};
+            inOrder.push_back(block);
+            if (used > largest.last - largest.first) largest = block;
             total += static_cast<std::size_t>(used);
         });
         byAddress = inOrder;
@@ -55,7 +57,6 @@ class PoolIndex {
     };
 
     Block largest;
-
     std::vector<Block> inOrder;
     std::vector<Block> byAddress;
     std::size_t total = 0;

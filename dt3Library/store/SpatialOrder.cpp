@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstring>
 
+#include "dt3Library/base/bits.h"
+
 namespace VARN3D {
 
 namespace {
@@ -26,17 +28,6 @@ std::uint64_t bitsOf(double value) {
     return bits;
 }
 
-int highestBit(std::uint64_t v) {
-    int bit = 0;
-    for (int step = 32; step > 0; step /= 2) {
-        if (v >> step) {
-            v >>= step;
-            bit += step;
-        }
-    }
-    return bit;
-}
-
 /// The binary place of the highest bit in which two different numbers differ.
 int highestDifferingPlace(double a, double b) {
     const std::uint64_t bitsA = bitsOf(a);
@@ -47,7 +38,7 @@ int highestDifferingPlace(double a, double b) {
     const int exponentB = static_cast<int>(bitsB >> 52 & 0x7FF);
     if (exponentA != exponentB) return exponentA > exponentB ? exponentA : exponentB;
     const int denormal = exponentA == 0 ? 1 : 0;
-    return exponentA + denormal - 52 + highestBit(differing);
+    return exponentA + denormal - 52 + static_cast<int>(highestBit(differing));
 }
 
 }  // namespace
