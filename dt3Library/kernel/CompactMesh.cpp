@@ -7,6 +7,8 @@
 #include <new>
 #include <type_traits>
 
+#include "dt3Library/base/pages.h"
+
 namespace VARN3D {
 
 static_assert(std::is_trivially_copyable<CompactTet>::value &&
@@ -25,12 +27,22 @@ CompactMesh::CompactMesh(std::size_t numVertices, std::size_t expectedTets)
     vertexArray[AT_INFINITY] = {{NOWHERE, NOWHERE, NOWHERE}, 0, 0};
     vertexArray[numVertices + 1] = vertexArray[AT_INFINITY];
     grow(expectedTets + 1);
+    makeReady(1);
     slotsUsed = 1;
     resetDummy();
 }
 
 void CompactMesh::resetDummy() {
     tetArray[DUMMY] = {{0.0, 0.0, 0.0}, -1.0F, {}, 0, {}};
+}
+
+/// Goes ahead by half a megabyte: pages that are never used would still count as memory.
+void CompactMesh::makeReady(std::size_t needed) {
+    constexpr std::size_t AHEAD = 8192;
+    if (needed > capacity) grow(needed);
+    const std::size_t wanted = std::min(needed + AHEAD, capacity);
+    fetchPages(tetArray + slotsReady, (wanted - slotsReady) * sizeof(CompactTet));
+    slotsReady = wanted;
 }
 
 /// Grows by half at least. What malloc can extend in place (or move by its pages) is not copied.
@@ -65,6 +77,9 @@ void CompactMesh::release(Slot slot) {
 }
 
 void CompactMesh::giveTo(SimplePool<Tet3>& pool) {
+    char* const behind = static_cast<char*>(block.get()) + slotsUsed * BYTES_PER_SLOT;
+    char* const ready = reinterpret_cast<char*>(tetArray + slotsReady);
+    if (ready < behind) fetchPages(ready, static_cast<std::size_t>(behind - ready));
     pool.adopt(block.get(), static_cast<std::int32_t>(capacity),
                static_cast<std::int32_t>(slotsUsed));
     static_cast<void>(block.release());

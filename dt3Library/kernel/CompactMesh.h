@@ -96,7 +96,7 @@ class CompactMesh {
 
     /// Makes room for so many more tetrahedra; the array may move. Throws std::bad_alloc.
     void reserve(std::size_t more) {
-        if (slotsUsed + more > capacity) grow(slotsUsed + more);
+        if (slotsUsed + more > slotsReady) makeReady(slotsUsed + more);
     }
     /// A slot to be filled; there must be room.
     Slot take() {
@@ -129,6 +129,7 @@ class CompactMesh {
                                                       ? sizeof(Tet3)
                                                       : sizeof(CompactTet);
 
+    void makeReady(std::size_t needed);
     void grow(std::size_t needed);
     void alignTets();
 
@@ -137,6 +138,8 @@ class CompactMesh {
     std::unique_ptr<void, Free> block;
     CompactTet* tetArray = nullptr;
     std::size_t capacity = 0;
+    /// Those whose pages have been asked for.
+    std::size_t slotsReady = 0;
     std::size_t slotsUsed = 0;
     std::vector<Slot> freeSlots;
 };

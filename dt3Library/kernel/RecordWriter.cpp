@@ -17,9 +17,9 @@ Tet3* RecordWriter::writeTo(TetRecycler& tets) {
         nextLabels[i] = mesh.vertices()[firstNewVertex + i].firstLabel;
     SimplePool<Tet3> pool;
     pool.init();
+    mesh.dropVertices();
     mesh.giveTo(pool);
 
-    mesh.dropVertices();
     firstLabel = MeshAccess::reserveLabels(state.numMade);
     records = pool.getLastBlock();
     writeAll();
