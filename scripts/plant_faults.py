@@ -277,4 +277,5 @@ def main():
     sys.exit(0 if report(faults, read_results(results_path)) else 1)
 
 
-main()
+if __name__ == "__main__":
+    main()
