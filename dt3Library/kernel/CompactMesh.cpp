@@ -19,10 +19,17 @@ void CompactMesh::Free::operator()(void* memory) const {
     std::free(memory);
 }
 
+/// More vertices than slots make no mesh; and a size in bytes that overflows must not reach
+/// operator new, which some compilers let through.
+std::size_t CompactMesh::checkedCount(std::size_t numVertices) {
+    if (numVertices > MAX_SLOTS) throw std::bad_alloc();
+    return numVertices;
+}
+
 CompactMesh::CompactMesh(std::size_t numVertices, std::size_t expectedTets)
     : verticesUsed(numVertices + 1),
       // One more: while a vertex is inserted the next one is looked at.
-      vertexArray(new CompactVertex[numVertices + 2]()) {
+      vertexArray(new CompactVertex[checkedCount(numVertices) + 2]()) {
     constexpr double NOWHERE = std::numeric_limits<double>::quiet_NaN();
     vertexArray[AT_INFINITY] = {{NOWHERE, NOWHERE, NOWHERE}, 0, 0};
     vertexArray[numVertices + 1] = vertexArray[AT_INFINITY];

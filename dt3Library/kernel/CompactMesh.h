@@ -129,6 +129,7 @@ class CompactMesh {
                                                       ? sizeof(Tet3)
                                                       : sizeof(CompactTet);
 
+    static std::size_t checkedCount(std::size_t numVertices);
     void makeReady(std::size_t needed);
     void grow(std::size_t needed);
     void alignTets();
