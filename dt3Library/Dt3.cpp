@@ -47,7 +47,7 @@ class FailureNote {
 }  // namespace
 
 Dt3::Dt3(const KernelSteps& theSteps)
-    : locator(predicates), cavity(predicates, tets), hull(predicates), kernelSteps(theSteps) {}
+    : locator(predicates), cavity(predicates, tets), kernelSteps(theSteps) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
@@ -130,7 +130,7 @@ void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     BatchInsertion batch(predicates, kernelSteps, tets, store, progress);
     pRecentTet = batch.run(vVertices, pStart);
     numInMesh = batch.getNumVertices();
-    hull.forgetAll();
+    cavity.forgetAll();
 }
 
 Point3* Dt3::insert(const Point3& point) {
@@ -223,10 +223,7 @@ Tet3* Dt3::insertAt(const WalkEnd& place, Point3*& pVtx) {
         pVtx = MeshAccess::corner(place.tet, place.index);
         return place.tet;
     }
-    if (place.place == WalkEnd::Place::Inside) return cavity.insertInside(pVtx, place.tet);
-    VARN3D_TIME(secondsHull);
-    VARN3D_COUNT(hullInsertions, 1);
-    return cavity.insertOutside(pVtx, hull.list(pVtx, place.tet, place.index));
+    return cavity.insert(pVtx, place);
 }
 
 Tet3* Dt3::startTetNear(const Point3& point) {

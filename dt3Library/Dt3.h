@@ -12,7 +12,6 @@
 #include "dt3Library/engine/Cavity.h"
 #include "dt3Library/engine/Locator.h"
 #include "dt3Library/engine/TetRecycler.h"
-#include "dt3Library/engine/VisibleHull.h"
 #include "dt3Library/engine/indexMesh.h"
 #include "dt3Library/kernel/BatchState.h"
 
@@ -105,7 +104,6 @@ class Dt3 {
     Locator locator;
     TetRecycler tets;
     Cavity cavity;
-    VisibleHull hull;
     bool bFullDimensional = false;
     HC3 store;
     /// How many vertices are corners of tetrahedra.

@@ -41,46 +41,43 @@ class HullTurns {
     static constexpr std::size_t LONG_TURN = 32;
     static constexpr std::size_t FEW_TURNS = 1024;
 
-    /// A hull facet of the tetrahedron at the edge between the ends; -1 if it has none, or is no
-    /// longer in the mesh.
-    static int hullFacetAt(const Ends& ends, const Tet3* tet) {
-        if (MeshAccess::visited(tet)) return -1;
-        int numEnds = 0;
-        int facet = -1;
+    /// Takes the edge to a tetrahedron, if that is one of the mesh with a hull facet at the edge.
+    static bool jump(const Ends& ends, Tet3* tet, HullEdge& edge) {
+        if (MeshAccess::visited(tet)) return false;
+        int beside[2] = {-1, -1};
+        int numBeside = 0;
         for (int i = 0; i < 4; ++i) {
             const Point3* corner = MeshAccess::corner(tet, i);
-            if (corner == ends.first || corner == ends.second)
-                ++numEnds;
-            else if (MeshAccess::neighbour(tet, i) == nullptr)
-                facet = i;
+            if (corner == ends.first || corner == ends.second) continue;
+            if (numBeside == 2) return false;
+            beside[numBeside++] = i;
         }
-        return numEnds == 2 ? facet : -1;
+        const bool bFirst = MeshAccess::neighbour(tet, beside[0]) == nullptr;
+        edge = {tet, beside[bFirst ? 1 : 0], beside[bFirst ? 0 : 1]};
+        return edge.isAtHull();
     }
 
     bool isRemembered(HullEdge& edge) {
         if (lastTets.empty()) return false;
-        const auto found = lastTets.find({edge.low(), edge.high()});
+        const auto found = lastTets.find(edge.ends());
         if (found == lastTets.end()) return false;
         // The tetrahedron to begin with has the hull facet to be left, which is not the end.
-        Tet3* tet = found->second;
-        if (tet == edge.tet) return false;
-        const int facet = hullFacetAt(found->first, tet);
-        if (facet < 0) return false;
-        edge.tet = tet;
-        edge.opp2 = facet;
+        HullEdge end = edge;
+        if (found->second == edge.tet || !jump(found->first, found->second, end)) return false;
+        edge = end;
         return true;
     }
 
     void remember(const HullEdge& edge) {
         if (lastTets.size() >= maxTurns) forgetOldTurns();
-        lastTets[{edge.low(), edge.high()}] = edge.tet;
+        lastTets[edge.ends()] = edge.tet;
     }
 
     /// Keeps what is remembered within twice what is of use.
     void forgetOldTurns() {
+        HullEdge end{};
         for (auto turn = lastTets.begin(); turn != lastTets.end();)
-            turn =
-                hullFacetAt(turn->first, turn->second) < 0 ? lastTets.erase(turn) : std::next(turn);
+            turn = jump(turn->first, turn->second, end) ? std::next(turn) : lastTets.erase(turn);
         maxTurns = FEW_TURNS + 2 * lastTets.size();
     }
 
