@@ -201,11 +201,10 @@ void MeshSearch::listConflicts(const Point3& point, std::vector<Tet3*>& region) 
         if (predicates.sphereInclusionTest(candidate, &point) == SIC_INSIDE)
             region.push_back(candidate);
     };
-    if (place.kind == LocationKind::Outside) {
+    if (place.kind == LocationKind::Outside)
         for (Tet3* visible : hull.list(&point, place.tet, place.opp3)) look(visible);
-    } else {
+    else
         look(place.tet);
-    }
     for (; next < region.size(); ++next)
         for (int i = 0; i < 4; ++i) look(MeshAccess::neighbour(region[next], i));
 }
