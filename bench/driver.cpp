@@ -96,9 +96,8 @@ Job parsedJob(int argc, char** argv) {
             throw std::runtime_error("unknown option " + option);
         }
     }
-    if (job.points.size() == 0 && !job.queries.empty()) {
+    if (job.points.size() == 0 && !job.queries.empty())
         throw std::runtime_error("queries need points to be asked of");
-    }
     return job;
 }
 
@@ -145,9 +144,8 @@ void Report::addTetrahedron(const double* a, const double* b, const double* c, c
     std::sort(corners.begin(), corners.end(),
               [axis](const double* p, const double* q) { return p[axis] < q[axis]; });
     std::array<Position, 3> edges;
-    for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 3; ++i)
         for (std::size_t k = 0; k < 3; ++k) edges[i][k] = corners[i + 1][k] - corners[i][k];
-    }
     const auto& [u, v, w] = edges;
     const double determinant = u[0] * (v[1] * w[2] - v[2] * w[1]) -
                                u[1] * (v[0] * w[2] - v[2] * w[0]) +

@@ -94,11 +94,10 @@ void run(Job& job, Report& report) {
 const char* const engineName = BENCH_ENGINE_NAME;
 
 void triangulate(Job& job, Report& report) {
-    if (job.batches == 0 || !job.queries.empty()) {
+    if (job.batches == 0 || !job.queries.empty())
         run<LocatingMesh>(job, report);
-    } else {
+    else
         run<BatchMesh>(job, report);
-    }
 }
 
 }  // namespace bench

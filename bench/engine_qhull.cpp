@@ -12,9 +12,8 @@ void triangulate(Job& job, Report& report) {
     if (job.batches != 1) return report.reject("takes one batch only");
     std::vector<double> input;
     input.reserve(job.points.size() * 3);
-    for (const Position& position : job.points) {
+    for (const Position& position : job.points)
         input.insert(input.end(), position.begin(), position.end());
-    }
     const int count = static_cast<int>(job.points.size());
     job.points.release();
 

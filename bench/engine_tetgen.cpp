@@ -12,9 +12,8 @@ void triangulate(Job& job, Report& report) {
     in.numberofpoints = static_cast<int>(job.points.size());
     in.pointlist = new REAL[job.points.size() * 3];
     REAL* next = in.pointlist;
-    for (const Position& position : job.points) {
+    for (const Position& position : job.points)
         for (const double value : position) *next++ = value;
-    }
     job.points.release();
 
     // Q: quiet; N, F: no lists of nodes and hull facets. The list of tetrahedra is the result.

@@ -54,18 +54,16 @@ void examine(VARN3D::Varn_3D& mesh, bool fullCheck, Report& report) {
     report.listVertices = secondsOf([&] { mesh.getVertices(vertices); });
     for (const VARN3D::Tet3* tetrahedron : tetrahedra) {
         double corners[4][3];
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 0; i < 4; ++i)
             tetrahedron->getCorner(i)->xyz(corners[i][0], corners[i][1], corners[i][2]);
-        }
         report.addTetrahedron(corners[0], corners[1], corners[2], corners[3]);
     }
     for (const VARN3D::Point3* vertex : vertices) report.vertices += vertex->getOneTet() != nullptr;
     if (!mesh.is3D()) report.vertices = vertices.size();
-    if (report.vertices != vertices.size()) {
+    if (report.vertices != vertices.size())
         report.reject("vertices without a tetrahedron");
-    } else if (fullCheck && mesh.is3D() && !mesh.checkValidity("bench", true)) {
+    else if (fullCheck && mesh.is3D() && !mesh.checkValidity("bench", true))
         report.reject("checkValidity found a fault");
-    }
 }
 
 /// Each pass has a locator of its own, so that its time holds all that a locator prepares.
@@ -85,9 +83,8 @@ void answerQueries(VARN3D::Varn_3D& mesh, const std::vector<Position>& queries, 
     });
     VARN3D::IndexedMesh indexed;
     report.indexedMesh = secondsOf([&] { indexed = mesh.getIndexedMesh(); });
-    if (indexed.tetrahedra.size() != report.tetrahedra) {
+    if (indexed.tetrahedra.size() != report.tetrahedra)
         report.reject("getIndexedMesh has other tetrahedra");
-    }
 }
 
 #ifdef VARN3D_PROFILE

@@ -137,9 +137,8 @@ Points sortedGrid(const Arguments& arguments, Random&) {
     };
     Points points;
     for (std::size_t i = 0; i < edge; ++i) {
-        for (std::size_t j = 0; j < edge; ++j) {
+        for (std::size_t j = 0; j < edge; ++j)
             for (std::size_t k = 0; k < edge; ++k) points.push_back({at(i), at(j), at(k)});
-        }
     }
     return points;
 }
@@ -154,9 +153,8 @@ Points grid(const Arguments& arguments, Random& random) {
 Points planeAndApex(const Arguments& arguments, Random& random) {
     const std::size_t edge = arguments.count(0);
     Points points;
-    for (std::size_t i = 0; i < edge * edge; ++i) {
+    for (std::size_t i = 0; i < edge * edge; ++i)
         points.push_back({static_cast<double>(i / edge), static_cast<double>(i % edge), 0.0});
-    }
     const double middle = static_cast<double>(edge / 2);
     points.push_back({middle, middle, middle});
     random.shuffle(points);
@@ -166,9 +164,8 @@ Points planeAndApex(const Arguments& arguments, Random& random) {
 /// COUNT: points on a line and one beside it; the set spans a plane only.
 Points lineAndApex(const Arguments& arguments, Random& random) {
     Points points;
-    for (std::size_t i = 1; i < arguments.count(0); ++i) {
+    for (std::size_t i = 1; i < arguments.count(0); ++i)
         points.push_back({static_cast<double>(i), 0.0, 0.0});
-    }
     points.push_back({1.0, 1.0, 0.0});
     random.shuffle(points);
     return points;
@@ -236,9 +233,8 @@ Points farCubes(const Arguments& arguments, Random& random) {
     double offset = 0.0;
     Points points;
     for (std::size_t i = 0; i < cubes; ++i) {
-        for (std::size_t k = 0; k < arguments.count(0) / cubes; ++k) {
+        for (std::size_t k = 0; k < arguments.count(0) / cubes; ++k)
             points.push_back(sum(random.uniformPosition(), {offset, offset, offset}));
-        }
         offset = i == 0 ? arguments.number(2) : offset * arguments.number(3);
     }
     return points;
@@ -276,9 +272,7 @@ Points textFile(const Arguments& arguments, Random&) {
     for (std::string line; std::getline(file, line);) {
         std::istringstream words(line);
         Position p;
-        if (words >> p[0] >> p[1] >> p[2]) {
-            points.push_back(p);
-        }
+        if (words >> p[0] >> p[1] >> p[2]) points.push_back(p);
     }
     return points;
 }
@@ -320,9 +314,8 @@ void write(const Points& points, const std::string& path) {
 int main(int argc, char** argv) {
     try {
         const auto shape = argc < 4 ? shapes.end() : shapes.find(argv[1]);
-        if (shape == shapes.end()) {
+        if (shape == shapes.end())
             throw std::runtime_error("usage: SHAPE FILE SEED [PARAMETER]...");
-        }
         Random random(std::strtoull(argv[3], nullptr, 10));
         write(shape->second({{argv + 4, argv + argc}}, random), argv[2]);
         return 0;

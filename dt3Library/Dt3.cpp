@@ -95,11 +95,10 @@ void Dt3::insert(const InputPoints& vInputPoints, std::vector<Point3*>& vUserHan
 /// Inserts a batch that is large against the mesh, and empties its list. A small one is left to be
 /// inserted vertex by vertex.
 void Dt3::insertLaterBatch(std::vector<Point3*>& vNew) {
-    if (vNew.empty()) {
+    if (vNew.empty())
         printNothingToInsert();
-    } else if (BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size())) {
+    else if (BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size()))
         insertAtOnce(vNew, startTetNear(*vNew.front()));
-    }
 }
 
 /// Makes the first tetrahedron, if there can be one, and inserts all vertices.

@@ -164,7 +164,7 @@ std::uint64_t numByIntegers() {
 
 class Hostile : public testing::TestWithParam<Case> {};
 
-TEST_P(Hostile, validAndCheap) {
+TEST_P(Hostile, ValidAndCheap) {
     const Case& set = GetParam();
     VARN3D::profile() = {};
     VARN3D::predicateCounters() = {};

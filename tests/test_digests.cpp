@@ -71,10 +71,10 @@ const NamedSet SETS[] = {
     {"lastBits", uniform(200, 10, 1.0, 1.0 + 0x1p-48), 0xaee6f7016b3cc930U, 0x971bec68a6099ab8U},
 };
 class Digest : public testing::TestWithParam<NamedSet> {};
-TEST_P(Digest, batch) {
+TEST_P(Digest, Batch) {
     EXPECT_EQ(digestOf({{{true, GetParam().points}}}), GetParam().batch);
 }
-TEST_P(Digest, singles) {
+TEST_P(Digest, Singles) {
     EXPECT_EQ(digestOf({{{false, GetParam().points}}}), GetParam().singles);
 }
 INSTANTIATE_TEST_SUITE_P(Sets, Digest, testing::ValuesIn(SETS), nameOf<NamedSet>);
@@ -155,7 +155,7 @@ const NamedSuccession SUCCESSIONS[] = {
     {"crowded", fifty<crowded>, 0x145b8e9c9f8fec98U},
 };
 class SuccessionDigest : public testing::TestWithParam<NamedSuccession> {};
-TEST_P(SuccessionDigest, isRecorded) {
+TEST_P(SuccessionDigest, IsRecorded) {
     EXPECT_EQ(digestOf(GetParam().make()), GetParam().digest);
 }
 INSTANTIATE_TEST_SUITE_P(Successions, SuccessionDigest, testing::ValuesIn(SUCCESSIONS),

@@ -31,7 +31,7 @@ const std::string EMPTY_LIST = "Attention: triangulate has got an empty vector\n
 const std::string NOT_IN_MESH =
     "\n      Dt3::getTetsAroundVertex(), ERROR: pVtx does not belong to the triangulation\n\n";
 
-TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
+TEST(Insertion, SinglesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     Varn_3D mesh;
     Points points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}, {0, 0, 1}};
     std::vector<Point3*> handles;
@@ -56,7 +56,7 @@ TEST(Insertion, singlesLeaveWaitingVerticesPendingUntilTheyComeAgain) {
     EXPECT_EQ(findMeshFault(mesh, points, handles, 0), "");
 }
 
-TEST(Insertion, messages) {
+TEST(Insertion, Messages) {
     Varn_3D mesh;
     Points none;
     Points one = {{1, 2, 3}};
@@ -102,7 +102,7 @@ TEST(Insertion, messages) {
                                     "      dt3Library/Dt3.cpp:"));
 }
 
-TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
+TEST(Insertion, WithoutStartTriangulateEndsTheProcess) {
     Dt3 engine;
     std::vector<Point3*> list;
     EXPECT_DEATH(
@@ -113,7 +113,7 @@ TEST(Insertion, withoutStartTriangulateEndsTheProcess) {
         "goToHell, ERROR:  reason: pLastTet==NULL in Dt3::triangulate");
 }
 
-TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
+TEST(Insertion, PointsThatAreNotFiniteChangeNothing) {
     Varn_3D mesh;
     Points points = lattice(20, 5, 5, 5, 1);
     std::vector<Point3*> handles;
@@ -145,7 +145,7 @@ TEST(Insertion, pointsThatAreNotFiniteChangeNothing) {
     }
 }
 
-TEST(Insertion, exceptionsTellTheReason) {
+TEST(Insertion, ExceptionsTellTheReason) {
     Varn_3D mesh;
     std::vector<Tet3*> notEmpty(1);
     const auto reasonOf = [](auto operation) {
@@ -168,7 +168,7 @@ TEST(Insertion, exceptionsTellTheReason) {
               "Condition [ vTet.empty() failed ] at dt3Library/Dt3.cpp:1300");
 }
 
-TEST(Insertion, meshesMove) {
+TEST(Insertion, MeshesMove) {
     static_assert(std::is_nothrow_move_constructible_v<Varn_3D> &&
                   std::is_nothrow_move_assignable_v<Varn_3D> &&
                   !std::is_copy_constructible_v<Varn_3D>);
@@ -190,7 +190,7 @@ TEST(Insertion, meshesMove) {
     EXPECT_EQ(findMeshFault(meshes[1], points, handles), "");
 }
 
-TEST(Insertion, tetrahedraAreCheckedWhenTheyAreMade) {
+TEST(Insertion, TetrahedraAreCheckedWhenTheyAreMade) {
     const GeomTest3 predicates;
     TetRecycler recycler;
     Cavity cavity(predicates, recycler);
@@ -221,7 +221,7 @@ void expectValid(Points batch, const Points& singles) {
 
 // What neighbours add to the region that they are tested from, a little or much; stars and regions
 // of hundreds.
-TEST(Insertion, singlesInGapsAndLargeRegions) {
+TEST(Insertion, SinglesInGapsAndLargeRegions) {
     for (std::uint64_t seed = 0; seed < 100; ++seed) {
         Random r(seed);
         // Also where the sphere test's products underflow or overflow.
@@ -244,7 +244,7 @@ TEST(Insertion, singlesInGapsAndLargeRegions) {
 }
 
 // The records of doomed tetrahedra are used again, but not while the insertion still reads them.
-TEST(Insertion, recordsAreUsedAgainFromTheNextInsertionOn) {
+TEST(Insertion, RecordsAreUsedAgainFromTheNextInsertionOn) {
     Varn_3D mesh;
     std::set<Tet3*> everLive;
     std::set<Tet3*> live;
@@ -262,7 +262,7 @@ TEST(Insertion, recordsAreUsedAgainFromTheNextInsertionOn) {
 }
 
 // Labels count up through the life of the process, and pass 2^31 in a long one.
-TEST(Insertion, meshesAreTheSameWhereLabelsWrapAround) {
+TEST(Insertion, MeshesAreTheSameWhereLabelsWrapAround) {
     const Points points = uniform(300, 1);
     const auto meshFromLabel = [&](std::int32_t firstLabel) {
         Varn_3D mesh;
@@ -282,7 +282,7 @@ TEST(Insertion, meshesAreTheSameWhereLabelsWrapAround) {
         EXPECT_TRUE(meshFromLabel(firstLabel) == expected) << firstLabel;
 }
 
-TEST(Insertion, largeFlatInputNeedsNoSearch) {
+TEST(Insertion, LargeFlatInputNeedsNoSearch) {
     Points flat = planar(100000, 3000, 1);
     Varn_3D batch;
     Varn_3D singles;
@@ -314,7 +314,7 @@ TEST(Insertion, largeFlatInputNeedsNoSearch) {
     });
 }
 
-TEST(Insertion, dimensionIsWhatThePointsSpan) {
+TEST(Insertion, DimensionIsWhatThePointsSpan) {
     Varn_3D mesh;
     std::vector<int> dimensions{mesh.getDimension()};
     outputOf([&] {

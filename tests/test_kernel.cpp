@@ -56,7 +56,7 @@ std::uint64_t digestOfTwoBatches(const KernelSteps& steps, const Points& points)
     return meshDigest(tetsOf(engine), handles);
 }
 
-TEST(Kernel, bothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
+TEST(Kernel, BothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
     const Points sets[] = {uniform(900, 1),
                            uniform(900, 1, -1e300, 1e300),
                            uniform(600, 1, 0.0, 1e-300),
@@ -77,7 +77,7 @@ TEST(Kernel, bothKindsOfStepsMakeTheSameMeshAndLeaveOldTetrahedraAsTheyWere) {
 }
 
 /// Sizes whose bytes don't fit the address space.
-TEST(Kernel, moreThanCanBeAddressedIsOutOfMemory) {
+TEST(Kernel, MoreThanCanBeAddressedIsOutOfMemory) {
     constexpr std::size_t TOO_MANY = SIZE_MAX / sizeof(CompactTet);
     EXPECT_THROW(CompactMesh(1, TOO_MANY), std::bad_alloc);
     EXPECT_THROW(CompactMesh(2 * TOO_MANY, 1), std::bad_alloc);
@@ -119,7 +119,7 @@ std::vector<VertexNumber> meshNumberedFrom(std::uint32_t firstNumber, const Poin
     return mesh;
 }
 
-TEST(Kernel, numbersOfCavityVerticesBeginAnew) {
+TEST(Kernel, NumbersOfCavityVerticesBeginAnew) {
     const Points points = Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}} + uniform(300, 1);
     const auto expected = meshNumberedFrom(1, points);
     for (const std::uint32_t before : {305U, 306U, 320U, 1000U, 3000U})
@@ -146,7 +146,7 @@ void damage(const std::vector<Tet3*>& tets, Random& random, Tet3* stray) {
 // After a fault the mesh may be anything; that the batch ends, and touches nothing but its own
 // memory, is what the sanitizers watch here. The batch is larger than the mesh, so that the kernel
 // takes it; of every three meshes one gets single points instead, and no link to a free record.
-TEST(Kernel, endsOnDamagedMeshes) {
+TEST(Kernel, EndsOnDamagedMeshes) {
     int numFailed[2] = {};
     for (std::uint64_t seed = 0; seed < 4500; ++seed) {
         const bool bSingly = seed % 9 < 3;

@@ -72,7 +72,7 @@ void expectLocated(Place place, const Point3& p, const WalkEnd& end) {
 const GeomTest3 predicates;
 const Locator locator(predicates);
 
-TEST(Location, latticeQueriesFromEveryTetrahedron) {
+TEST(Location, LatticeQueriesFromEveryTetrahedron) {
     std::map<Place, int> counts;
     for (std::uint64_t seed = 0; seed < 12; ++seed) {
         Dt3 engine;
@@ -95,7 +95,7 @@ TEST(Location, latticeQueriesFromEveryTetrahedron) {
 }
 
 // No sound mesh leads a walk in circles, so links that do have to be planted.
-TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
+TEST(Location, TheWatchdogStopsAWalkWithoutEnd) {
     Dt3 engine;
     Points points = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {1, 1, 4}, {1, 1, -4}};
     std::vector<Point3*> handles;
@@ -132,7 +132,7 @@ TEST(Location, theWatchdogStopsAWalkWithoutEnd) {
     EXPECT_GT(numQueries, 0);
 }
 
-TEST(Location, withoutStartTheProcessEnds) {
+TEST(Location, WithoutStartTheProcessEnds) {
     const Point3 p;
     EXPECT_DEATH(
         {

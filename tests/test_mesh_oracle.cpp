@@ -103,7 +103,7 @@ class MeshOracle : public testing::TestWithParam<NamedMode> {};
 const auto nameOfMode = [](const auto& mode) { return mode.param.name; };
 INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES), nameOfMode);
 
-TEST_P(MeshOracle, smallLattices) {
+TEST_P(MeshOracle, SmallLattices) {
     for (std::uint64_t seed = 0; seed < 40; ++seed) {
         Random r(seed);
         const int n = 4 + r.below(30);
@@ -115,7 +115,7 @@ TEST_P(MeshOracle, smallLattices) {
     }
 }
 
-TEST_P(MeshOracle, degenerateLadder) {
+TEST_P(MeshOracle, DegenerateLadder) {
     const struct {
         const char* name;
         Points points;

@@ -72,9 +72,7 @@ void expectHull(const IndexedMesh& indexed, const Host& host, const std::vector<
     for (const auto& f : indexed.hull) {
         const auto& p = [&](std::size_t i) { return host.points[static_cast<std::size_t>(f[i])]; };
         for (const Point3* q : host.handles)
-            if (q->getOneTet() != nullptr) {
-                ASSERT_GE(exactOrientation(p(0), p(2), p(1), *q), 0);
-            }
+            if (q->getOneTet() != nullptr) ASSERT_GE(exactOrientation(p(0), p(2), p(1), *q), 0);
         for (std::size_t i = 0; i < 3; ++i) edges.insert({f[i], f[(i + 1) % 3]});
     }
     EXPECT_EQ(edges.size(), 3 * indexed.hull.size());
@@ -117,7 +115,7 @@ void expectNumbers(const Host& host) {
     expectHull(indexed, host, facets);
 }
 
-TEST(Numbers, areThoseOfTheFirstPointsWhateverWayTheyGoIn) {
+TEST(Numbers, AreThoseOfTheFirstPointsWhateverWayTheyGoIn) {
     for (std::uint64_t seed = 0; seed < 6; ++seed) {
         Random random(seed);
         Host host;
@@ -142,7 +140,7 @@ TEST(Numbers, areThoseOfTheFirstPointsWhateverWayTheyGoIn) {
 }
 
 // More than eight points in a cell, and zeros of both signs.
-TEST(Numbers, crowdedCellsKeepTheFirst) {
+TEST(Numbers, CrowdedCellsKeepTheFirst) {
     Host host;
     Points points = lattice(400, 4, 4, 4, 5);
     for (std::size_t i = 0; i < points.size(); i += 3)
@@ -156,7 +154,7 @@ TEST(Numbers, crowdedCellsKeepTheFirst) {
     expectNumbers(host);
 }
 
-TEST(Numbers, theHostsOwnLeaveTheMeshAlone) {
+TEST(Numbers, TheHostsOwnLeaveTheMeshAlone) {
     Host host;
     host.batch(lattice(200, 5, 5, 5, 1));
     const IndexedMesh before = host.mesh.getIndexedMesh();
@@ -174,7 +172,7 @@ TEST(Numbers, theHostsOwnLeaveTheMeshAlone) {
     expectNumbers(other);
 }
 
-TEST(Numbers, refusedPointsHaveNone) {
+TEST(Numbers, RefusedPointsHaveNone) {
     Host host;
     Handles none;
     const double bad[] = {0, 0, 0, 1, 2, HUGE_VAL};
@@ -187,7 +185,7 @@ TEST(Numbers, refusedPointsHaveNone) {
     expectNumbers(host);
 }
 
-TEST(Numbers, endAtTheLastOf32Bits) {
+TEST(Numbers, EndAtTheLastOf32Bits) {
     PointNumbers numbers((std::uint64_t{1} << 31) - 1);
     Point3 vertex(0, 0, 0);
     EXPECT_EQ(PointNumbers::numberAt(numbers.count(1)), INT32_MAX);

@@ -92,9 +92,7 @@ TEST(SimplePool, BlocksGrowByTheRule) {
         slot->number = i;
         slots.insert(slot);
         const Sizes sizes = i < 4 ? Sizes{4} : i < 6 ? Sizes{4, 2} : Sizes{4, 2, 4};
-        if (i < 10) {
-            EXPECT_EQ(pool.getBlockSizes(), sizes) << i;
-        }
+        if (i < 10) EXPECT_EQ(pool.getBlockSizes(), sizes) << i;
     }
     EXPECT_EQ(slots.size(), static_cast<std::size_t>(numSlots));
     EXPECT_EQ(pool.getBlockSizes(), (Sizes{4, 2, 4, 8, 16}));

@@ -46,9 +46,8 @@ void expectNoStageErrs(const predicateStages::Points<Predicate>& points, double 
         decideByIntegers<Predicate, 1>(points), decideByIntegers<Predicate, 2>(points),
         Verdict{true, signByWideIntegers(points)}};
     for (int stage = 0; stage < NUM_PREDICATE_STAGES; ++stage)
-        if (verdicts[stage].bCertain) {
+        if (verdicts[stage].bCertain)
             EXPECT_EQ(verdicts[stage].sign, expected) << "stage " << stage;
-        }
 }
 
 /// The centre of the first four points, seen from the first, against Cramer's rule. What is near

@@ -89,7 +89,7 @@ bool insertAll(Dt3& engine, std::size_t last, bool bThrow, std::vector<std::size
     return bEnded;
 }
 
-TEST(Progress, whateverIsStoppedGoesOn) {
+TEST(Progress, WhateverIsStoppedGoesOn) {
     Dt3 sound;
     std::vector<std::size_t> numWaiting;
     outputOf([&] {
@@ -127,7 +127,7 @@ TEST(Progress, whateverIsStoppedGoesOn) {
     }
 }
 
-TEST(Progress, isToldToHostsAndVerticesWaitForTheThirdDimension) {
+TEST(Progress, IsToldToHostsAndVerticesWaitForTheThirdDimension) {
     Varn_3D mesh;
     Handles handles;
     outputOf([&] {

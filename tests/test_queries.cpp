@@ -127,7 +127,7 @@ class Queries : public testing::TestWithParam<QueryInput> {
     std::vector<Tet3*> tets;
 };
 
-TEST_P(Queries, locate) {
+TEST_P(Queries, Locate) {
     PointLocator locator(mesh);
     for (const Point3& p : queries()) {
         const Location found = locator.locate(p);
@@ -151,13 +151,12 @@ TEST_P(Queries, locate) {
             ASSERT_THAT(named, testing::UnorderedElementsAreArray(facets));
         }
         ASSERT_EQ(found.vertex != nullptr, found.kind == LocationKind::AtVertex);
-        if (found.vertex != nullptr) {
+        if (found.vertex != nullptr)
             ASSERT_TRUE(*found.vertex == p && found.tet->hasVertex(found.vertex));
-        }
     }
 }
 
-TEST_P(Queries, nearestVertex) {
+TEST_P(Queries, NearestVertex) {
     PointLocator locator(mesh);
     for (const Point3& p : queries()) {
         const Point3* expected = points.empty() ? nullptr : handles[0];
@@ -167,7 +166,7 @@ TEST_P(Queries, nearestVertex) {
     }
 }
 
-TEST_P(Queries, conflictRegion) {
+TEST_P(Queries, ConflictRegion) {
     PointLocator locator(mesh);
     for (const Point3& p : queries()) {
         std::vector<Tet3*> expected;
@@ -186,7 +185,7 @@ TEST_P(Queries, conflictRegion) {
 
 /// A cell's corners lie on no vertex's side of it, its facets are the other cells' too, and a
 /// bounded one is a polyhedron by Euler's formula.
-TEST_P(Queries, voronoiCells) {
+TEST_P(Queries, VoronoiCells) {
     std::map<std::pair<const Point3*, const Point3*>, std::size_t> numCorners;
     const std::set<Point3*> vertices(handles.begin(), handles.end());
     for (const Point3* vertex : vertices) {
@@ -231,7 +230,7 @@ INSTANTIATE_TEST_SUITE_P(, Queries, testing::ValuesIn(INPUTS),
                          [](const auto& test) { return std::string(test.param.name); });
 
 /// Random points and their images in the walls of a box: the points' cells fill the box.
-TEST(Voronoi, cellsFillABox) {
+TEST(Voronoi, CellsFillABox) {
     const Points inside = uniform(100, 1);
     Points all = inside;
     for (const Point3& p : inside) {
@@ -250,7 +249,7 @@ TEST(Voronoi, cellsFillABox) {
     EXPECT_NEAR(volume, 1.0, 1e-13);
 }
 
-TEST(PointLocator, seesWhatIsInserted) {
+TEST(PointLocator, SeesWhatIsInserted) {
     Varn_3D mesh;
     PointLocator locator(mesh);
     EXPECT_EQ(locator.nearestVertex({0, 0, 0}), nullptr);
@@ -277,7 +276,7 @@ TEST(PointLocator, seesWhatIsInserted) {
     }
 }
 
-TEST(PointLocator, refusesWhatIsNotFinite) {
+TEST(PointLocator, RefusesWhatIsNotFinite) {
     Varn_3D mesh;
     outputOf([&] { mesh.insert(uniform(20, 1)); });
     PointLocator moved(mesh);

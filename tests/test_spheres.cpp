@@ -47,7 +47,7 @@ Tally attack(const Spheres& spheres, int numFamilies) {
     return tally;
 }
 
-TEST(Spheres, certifiedAnswersAreTrue) {
+TEST(Spheres, CertifiedAnswersAreTrue) {
     std::vector<Spheres> all = support::kernelSpheres();
     all.push_back(scalarSpheres<ProvedCertificate>("scalar"));
     for (const Spheres& spheres : all) {
@@ -68,7 +68,7 @@ struct Narrower : ProvedCertificate {
     static constexpr double ETA = ProvedCertificate::ETA / 8;
 };
 
-TEST(Spheres, theAttackFindsOutWhatIsNotProved) {
+TEST(Spheres, TheAttackFindsOutWhatIsNotProved) {
     Spheres movedInexactly = scalarSpheres<ProvedCertificate>("moved inexactly");
     movedInexactly.bMovedExactly = false;
     for (const Spheres& spheres :
@@ -77,7 +77,7 @@ TEST(Spheres, theAttackFindsOutWhatIsNotProved) {
         EXPECT_GT(attack(spheres, 500).numWrong, 5) << spheres.name;
 }
 
-TEST(Spheres, whatHasNoSphereOrTooLargeAOneIsNotCertified) {
+TEST(Spheres, WhatHasNoSphereOrTooLargeAOneIsNotCertified) {
     const double point[10][3] = {
         {1, 0, 0},        {0, 1, 0},       {0, 0, 1},      {0.25, 0.25, 0.5}, {0, 0, 1e300},
         {0, 0, INFINITY}, {0.3, 0.3, 0.3}, {0x1p70, 0, 0}, {0, 0x1p70, 0},    {0, 0, 0x1p70}};
@@ -89,7 +89,7 @@ TEST(Spheres, whatHasNoSphereOrTooLargeAOneIsNotCertified) {
         for (const auto& query : point) EXPECT_EQ(sideOfSphere(sphere, query), 0);
 }
 
-TEST(Spheres, theDeterminantsInLanesAreCertainOfTheTruthOnly) {
+TEST(Spheres, TheDeterminantsInLanesAreCertainOfTheTruthOnly) {
     const GeomTest3 predicates;
     BatchState state(predicates, 5, 4, true);
     CompactTet* const tets = state.mesh.tets();
@@ -174,7 +174,7 @@ Coordinates pointNear(Random& r, const Coordinates (&box)[2], bool bOutside) {
     return q;
 }
 
-TEST(ExactFrame, movesWithoutRounding) {
+TEST(ExactFrame, MovesWithoutRounding) {
     Random r(11);
     int numMoved = 0, numLosing = 0, numLost = 0;
     for (int i = 0; i < 4000; ++i) {
@@ -216,7 +216,7 @@ TEST(ExactFrame, movesWithoutRounding) {
     EXPECT_GT(numLost, 100);
 }
 
-TEST(ExactFrame, namesTheLimitsOfScaling) {
+TEST(ExactFrame, NamesTheLimitsOfScaling) {
     const ExactFrame none, large({-0x1p40, 0, 0}, {0x1p40, 1, 1}), unit({-1, 0, 0}, {1, 1, 1});
     EXPECT_FALSE(none.isCertifiable() || none.mayLoseBits() || unit.mayLoseBits());
     EXPECT_TRUE(none.isExactFor({1e308, 0, -5e-324}));

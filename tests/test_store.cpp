@@ -98,7 +98,7 @@ std::pair<Coordinates, Coordinates> enlarged(Coordinates min, Coordinates max, d
     return {min, max};
 }
 
-TEST(Store, keysFollowTheTables) {
+TEST(Store, KeysFollowTheTables) {
     for (const Point3& extent : {Point3(1, 1, 1), Point3(1, 20, 0.01), Point3(0.3, 0.2, 7),
                                  Point3(1e-3, 1, 1), Point3(0, 1, 1), Point3(1, 0, 0)}) {
         Store store;
@@ -111,7 +111,7 @@ TEST(Store, keysFollowTheTables) {
     }
 }
 
-TEST(Store, refusesOtherKeyLengths) {
+TEST(Store, RefusesOtherKeyLengths) {
     for (const unsigned numBits : {1U, 28U, 32U, 33U, 36U}) {
         const std::string output = outputOf([&] { EXPECT_THROW(HC3 hc3(numBits), VarnException); });
         EXPECT_THAT(output, testing::StartsWith("HC3::HC3(..): invalid bitlength\n")) << numBits;
@@ -141,12 +141,12 @@ void growBoxes() {
     std::exit(testing::Test::HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
 }
 
-TEST(Store, boxesGrowByTheirFactors) {
+TEST(Store, BoxesGrowByTheirFactors) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";  // in a process that runs nothing else
     EXPECT_EXIT(growBoxes(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
-TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurve) {
+TEST(Store, NewVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurve) {
     Store store;
     std::map<Coordinates, Point3*> known;
     Handles stored;  // in the order of their storing
@@ -199,7 +199,7 @@ TEST(Store, newVerticesComeInCurveOrderAndEqualKeysInInputOrderOrAlongAFinerCurv
 }
 
 // Whatever the coordinates: cells of thousands, denormals, zeros of either sign.
-TEST(Store, pointsAreFoundAgainAndNothingIsNew) {
+TEST(Store, PointsAreFoundAgainAndNothingIsNew) {
     const Points sets[] = {uniform(1500, 1, -1.0, 1.0), lattice(1500, 30, 30, 30, 1),
                            nestedClusters(1500),
                            mixedExponents(1500, -1074, -1000) + mixedExponents(500, -1, 1)};
@@ -223,7 +223,7 @@ TEST(Store, pointsAreFoundAgainAndNothingIsNew) {
         }
 }
 
-TEST(Store, aStartTetrahedronIsFoundWhereverItIs) {
+TEST(Store, AStartTetrahedronIsFoundWhereverItIs) {
     Tet3 tet;
     for (const std::size_t owner : {0U, 57U, 599U}) {
         Store store;
@@ -239,7 +239,7 @@ TEST(Store, aStartTetrahedronIsFoundWhereverItIs) {
     }
 }
 
-TEST(Store, failedChecks) {
+TEST(Store, FailedChecks) {
     Store store;
     EXPECT_THAT(outputOf([&] { EXPECT_THROW(store.hc3.hilbertIndex({}), VarnException); }),
                 testing::HasSubstr("Condition [ bValid failed ]"));

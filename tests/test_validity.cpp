@@ -137,7 +137,7 @@ class Validity : public testing::Test {
     int shared = 0;
 };
 
-TEST_F(Validity, soundMeshesPass) {
+TEST_F(Validity, SoundMeshesPass) {
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
     EXPECT_EQ(check(false, true), head(2, false) + PASSED);
     // A listed vertex that equals one of the mesh is replaced by it, and nothing changes.
@@ -151,7 +151,7 @@ TEST_F(Validity, soundMeshesPass) {
               "Dt3::getAllTetrahedra(), oneTet==NULL\n" + head(0, true) + PASSED);
 }
 
-TEST_F(Validity, aMarkLeftBehindIsAnError) {
+TEST_F(Validity, AMarkLeftBehindIsAnError) {
     for (Tet3* tet : tets) {
         MeshAccess::visited(tet) = true;
         const std::string output =
@@ -168,7 +168,7 @@ TEST_F(Validity, aMarkLeftBehindIsAnError) {
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
 }
 
-TEST_F(Validity, insertionsBesideAMarkFail) {
+TEST_F(Validity, InsertionsBesideAMarkFail) {
     const double z = tets[0]->getCorner(shared)->z();
     const Points points = {{1.02, 1.03, 0.9 * z}};  // in tets[0], beside its own corner
     const auto failure = [&] {
@@ -186,7 +186,7 @@ TEST_F(Validity, insertionsBesideAMarkFail) {
               "numStoredTCS after insertVertex: 3\n" + failedCheck("numStoredTCS==0", 920));
 }
 
-TEST_F(Validity, aVertexOnTheWrongSideIsReportedAndDumped) {
+TEST_F(Validity, AVertexOnTheWrongSideIsReportedAndDumped) {
     for (const auto& [z, side] : {std::pair(2.0, "positive"), std::pair(0.0, "coplanar")}) {
         Tet3* tet = tets[0];
         Point3* vertex = tet->getOppVtxInOppTet(shared, false);
@@ -208,7 +208,7 @@ TEST_F(Validity, aVertexOnTheWrongSideIsReportedAndDumped) {
     EXPECT_EQ(check(true, true), head(2, true) + PASSED);
 }
 
-TEST_F(Validity, aVertexInASphereIsReportedAndDumped) {
+TEST_F(Validity, AVertexInASphereIsReportedAndDumped) {
     Tet3* tet = tets[0];
     Point3* vertex = tet->getOppVtxInOppTet(shared, false);
     vertex->exchange(1, 1, vertex->z() / 4);
@@ -227,7 +227,7 @@ TEST_F(Validity, aVertexInASphereIsReportedAndDumped) {
                                 centre.x(), " ", centre.y(), " ", centre.z(), "\n}\n")));
 }
 
-TEST_F(Validity, oneWayLinksEndTheProcess) {
+TEST_F(Validity, OneWayLinksEndTheProcess) {
     for (std::size_t t = 0; t < 2; ++t) {
         Tet3*& link = MeshAccess::neighbour(tets[t], tets[t]->getIntraTetIndex(tets[1 - t]));
         Tet3* const before = link;
@@ -242,7 +242,7 @@ TEST_F(Validity, oneWayLinksEndTheProcess) {
     }
 }
 
-TEST_F(Validity, crossedLinksAreFoundWhereverTheyAre) {
+TEST_F(Validity, CrossedLinksAreFoundWhereverTheyAre) {
     Dt3 larger;
     std::vector<Point3*> largerHandles;
     std::vector<Tet3*> all;
@@ -266,7 +266,7 @@ TEST_F(Validity, crossedLinksAreFoundWhereverTheyAre) {
     EXPECT_GT(numCrossed, 20);
 }
 
-TEST_F(Validity, printsAndShowsTheMesh) {
+TEST_F(Validity, PrintsAndShowsTheMesh) {
     EXPECT_EQ(
         outputOf([&] { engine.print("all of it"); }),
         text("\n\n**** Dt3::print(all of it), numTets=2\n", *tets[0], "\n\n", *tets[1], "\n\n"));

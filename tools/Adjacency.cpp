@@ -30,9 +30,7 @@ class Sides {
             ends.resize(std::max<std::size_t>(ends.size(), smallest + std::size_t{2}));
             ++ends[smallest + std::size_t{1}];
         });
-        for (std::size_t v = 1; v < ends.size(); ++v) {
-            ends[v] += ends[v - 1];
-        }
+        for (std::size_t v = 1; v < ends.size(); ++v) ends[v] += ends[v - 1];
         sides.resize(4 * tetrahedra.size());
         forEach(tetrahedra, [this](std::uint32_t smallest, const Side& side) {
             sides[ends[smallest]++] = side;
@@ -46,11 +44,8 @@ class Sides {
         for (const std::size_t end : ends) {
             const auto stop = sides.begin() + static_cast<std::ptrdiff_t>(end);
             std::sort(begin, stop);
-            for (; begin != stop; ++begin) {
-                if (begin + 1 != stop && begin->isSameFacet(begin[1])) {
-                    visit(begin[0], begin[1]);
-                }
-            }
+            for (; begin != stop; ++begin)
+                if (begin + 1 != stop && begin->isSameFacet(begin[1])) visit(begin[0], begin[1]);
         }
     }
 

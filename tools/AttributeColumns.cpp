@@ -15,9 +15,7 @@ void AttributeColumns::add(std::size_t column, const std::string& name) {
 void AttributeColumns::take(const std::vector<std::string_view>& columns) {
     for (std::size_t i = 0; i < sources.size(); ++i) {
         Source& source = sources[i];
-        if (!source.bNumeric) {
-            continue;
-        }
+        if (!source.bNumeric) continue;
         double value = std::numeric_limits<double>::quiet_NaN();
         if (source.column < columns.size() && !columns[source.column].empty()) {
             source.bNumeric = parseAnyNumber(columns[source.column], value);
@@ -28,13 +26,11 @@ void AttributeColumns::take(const std::vector<std::string_view>& columns) {
 }
 
 void AttributeColumns::moveTo(PointSet& set) {
-    for (std::size_t i = 0; i < sources.size(); ++i) {
-        if (!sources[i].bNumeric) {
+    for (std::size_t i = 0; i < sources.size(); ++i)
+        if (!sources[i].bNumeric)
             set.textColumns.push_back(attributes[i].name);
-        } else if (sources[i].bAnyNumber) {
+        else if (sources[i].bAnyNumber)
             set.attributes.push_back(std::move(attributes[i]));
-        }
-    }
 }
 
 }  // namespace tool

@@ -29,9 +29,7 @@ ClipPlane ClipPlane::parse(const std::string& text) {
             (plane.bKeepsLarger || comparison == "<" || comparison == "<=" || comparison == "=") &&
             !parseNumber(trimmed(rest.substr(length)), plane.value);
     }
-    if (!bWellFormed) {
-        throw InputError("--clip: " + quoted(text) + " is not like x<=0.5 or x>=0.5");
-    }
+    if (!bWellFormed) throw InputError("--clip: " + quoted(text) + " is not like x<=0.5 or x>=0.5");
     return plane;
 }
 

@@ -15,13 +15,12 @@ namespace {
 /// two pairs or turning three corners: neither changes the orientation.
 void bringIntoOrder(IndexedMesh::Tetrahedron& t) {
     const auto smallest = std::min_element(t.begin(), t.end()) - t.begin();
-    if (smallest == 1) {
+    if (smallest == 1)
         t = {t[1], t[0], t[3], t[2]};
-    } else if (smallest == 2) {
+    else if (smallest == 2)
         t = {t[2], t[3], t[0], t[1]};
-    } else if (smallest == 3) {
+    else if (smallest == 3)
         t = {t[3], t[2], t[1], t[0]};
-    }
     std::rotate(t.begin() + 1, std::min_element(t.begin() + 1, t.end()), t.end());
 }
 
@@ -33,20 +32,16 @@ IndexedMesh::IndexedMesh(PointSet input, const std::vector<Point3*>& vertices,
     std::unordered_map<const Point3*, std::uint32_t> firstOfVertex;
     firstOfVertex.reserve(vertices.size());
     firstEqual.reserve(vertices.size());
-    for (std::uint32_t i = 0; i < vertices.size(); ++i) {
+    for (std::uint32_t i = 0; i < vertices.size(); ++i)
         firstEqual.push_back(firstOfVertex.emplace(vertices[i], i).first->second);
-    }
     tetrahedra.reserve(tets.size());
     for (const Tet3* tet : tets) {
         Tetrahedron corners = {};
-        for (int i = 0; i < 4; ++i) {
+        for (int i = 0; i < 4; ++i)
             corners[static_cast<std::size_t>(i)] = firstOfVertex.at(tet->getCorner(i));
-        }
-        for (int i = 0; i < 4; ++i) {
-            if (!tet->getOppTet(i)) {
+        for (int i = 0; i < 4; ++i)
+            if (!tet->getOppTet(i))
                 hull.push_back(facetOpposite(corners, static_cast<std::size_t>(i)));
-            }
-        }
         bringIntoOrder(corners);
         tetrahedra.push_back(corners);
     }

@@ -43,9 +43,7 @@ TextLayout LayoutFinder::find(const std::string& file) const {
         const Reading reading = readingAt(separator);
         if (reading.problem.empty()) {
             const std::string ambiguity = ambiguityOf(reading);
-            if (!ambiguity.empty()) {
-                throw InputError(file, rowNumber, ambiguity);
-            }
+            if (!ambiguity.empty()) throw InputError(file, rowNumber, ambiguity);
             return reading.layout;
         }
     }
@@ -74,17 +72,13 @@ LayoutFinder::Reading LayoutFinder::readingAt(Separator separator) const {
 }
 
 void LayoutFinder::applyHeader(TextLayout& layout) const {
-    if (!header) {
-        return;
-    }
+    if (!header) return;
     std::vector<std::string_view> names;
     cut(header->text, layout.separator, names);
     const std::optional<AxisColumns> axes = findAxes(header->text, layout.separator);
     const bool bFits = names.size() == layout.numColumns ||
                        (layout.bLastEmpty && names.size() + 1 == layout.numColumns);
-    if ((header->bComment && !(axes && bFits)) || (wanted && !bFits)) {
-        return;
-    }
+    if ((header->bComment && !(axes && bFits)) || (wanted && !bFits)) return;
     layout.names.assign(names.begin(), names.end());
     layout.axes = axes.value_or(layout.axes);
     layout.numColumns = names.size();
@@ -102,16 +96,12 @@ std::string LayoutFinder::ambiguityOf(const Reading& best) const {
     for (const Separator separator : allSeparators) {
         const Reading other = readingAt(separator);
         const std::string asOther = std::string("; cut at ") + nameOf(separator);
-        if (other.bEmpty) {
-            return asFound + asOther + " " + other.problem;
-        }
-        if (other.problem.empty() && other.xyz != best.xyz) {
+        if (other.bEmpty) return asFound + asOther + " " + other.problem;
+        if (other.problem.empty() && other.xyz != best.xyz)
             return asFound + asOther + " it is " + shown(other.xyz);
-        }
     }
-    if (best.layout.names.empty() && !wanted && hasDecimalCommas()) {
+    if (best.layout.names.empty() && !wanted && hasDecimalCommas())
         return asFound + "; decimal commas are not read (--columns 1,2,3 says there are none)";
-    }
     return proseAgainst(best.layout);
 }
 
@@ -120,9 +110,7 @@ bool LayoutFinder::hasDecimalCommas() const {
     std::vector<std::string_view> words;
     cut(row, Separator::blanks, words);
     for (std::size_t i = 0; i + 1 < words.size(); ++i) {
-        if (words[i].empty() || words[i].back() != ',') {
-            return false;
-        }
+        if (words[i].empty() || words[i].back() != ',') return false;
         words[i].remove_suffix(1);
     }
     return words.size() > 2 && std::any_of(words.begin(), words.begin() + 3, hasDecimalComma);
@@ -131,9 +119,7 @@ bool LayoutFinder::hasDecimalCommas() const {
 /// A comment that names x, y and z but doesn't fit the row is prose; unless it might be a header
 /// nevertheless, and other columns be meant than the first three.
 std::string LayoutFinder::proseAgainst(const TextLayout& layout) const {
-    if (!header || !header->bComment || wanted || !layout.names.empty()) {
-        return {};
-    }
+    if (!header || !header->bComment || wanted || !layout.names.empty()) return {};
     for (const Separator separator : allSeparators) {
         const std::optional<AxisColumns> named = findAxes(header->text, separator);
         const bool bOnlyThree =
@@ -152,13 +138,9 @@ std::string LayoutFinder::problemOfAll() const {
     std::optional<Reading> clearest;
     for (const Separator separator : allSeparators) {
         const Reading reading = readingAt(separator);
-        if (reading.bEmpty) {
-            return reading.problem;
-        }
+        if (reading.bEmpty) return reading.problem;
         const bool bNamed = !header || header->bComment || wanted || namesAxes(separator);
-        if (!clearest && bNamed && contains(row, separator)) {
-            clearest = reading;
-        }
+        if (!clearest && bNamed && contains(row, separator)) clearest = reading;
     }
     return clearest ? clearest->problem : readingAt(Separator::blanks).problem;
 }

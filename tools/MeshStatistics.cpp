@@ -53,15 +53,10 @@ std::array<Vec, 4> scaledCorners(const Tet3& tet) {
     double largest = 0;
     for (Vec& corner : corners) {
         corner = corner - origin;
-        for (const double coordinate : corner) {
-            largest = std::max(largest, std::fabs(coordinate));
-        }
+        for (const double coordinate : corner) largest = std::max(largest, std::fabs(coordinate));
     }
-    for (Vec& corner : corners) {
-        for (double& coordinate : corner) {
-            coordinate /= largest;
-        }
-    }
+    for (Vec& corner : corners)
+        for (double& coordinate : corner) coordinate /= largest;
     return corners;
 }
 
@@ -118,9 +113,7 @@ MeshStatistics::MeshStatistics(const std::vector<Tet3*>& tets)
           {0.6, 0.7, 0.8, 1, 1.25, 1.5, 2, 3, 5, 10, 100, std::numeric_limits<double>::infinity()}),
       degrees({3, 4, 5, 6, 8, 10, 12, 14, 16, 18, 20, 25, 30, 40, 60, 100,
                std::numeric_limits<double>::infinity()}) {
-    for (const Tet3* tet : tets) {
-        addShape(*tet);
-    }
+    for (const Tet3* tet : tets) addShape(*tet);
     addDegrees(tets);
 }
 
@@ -152,9 +145,8 @@ void MeshStatistics::addDegrees(const std::vector<Tet3*>& tets) {
         for (int i = 0; i < 4; ++i) {
             Star& star = stars[tet->getCorner(i)];
             ++star.numTets;
-            for (int facet = 0; facet < 4; ++facet) {
+            for (int facet = 0; facet < 4; ++facet)
                 star.numHullFacets += facet != i && !tet->getOppTet(facet) ? 1 : 0;
-            }
         }
     }
     // The facets of a star that lie opposite its vertex form a triangulated sphere, or a disk when

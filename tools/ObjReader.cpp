@@ -13,28 +13,19 @@ PointSet ObjReader::read() {
     std::string_view line;
     std::vector<std::string_view> words;
     const char* const colours[] = {"red", "green", "blue"};
-    for (std::size_t i = 0; options.bAttributes && i < 3; ++i) {
-        attributes.add(4 + i, colours[i]);
-    }
+    for (std::size_t i = 0; options.bAttributes && i < 3; ++i) attributes.add(4 + i, colours[i]);
     while (nextDataLine(line)) {
         cut(line, Separator::blanks, words);
-        if (takeWord(line) != "v") {
-            continue;
-        }
+        if (takeWord(line) != "v") continue;
         set.points.push_back(takePoint(line));
-        if (words.size() > 8) {
-            fail("more than seven numbers of a vertex");
-        }
-        if (words.size() < 7) {
+        if (words.size() > 8) fail("more than seven numbers of a vertex");
+        if (words.size() < 7)
             words.resize(4);
-        } else if (words.size() == 8) {
+        else if (words.size() == 8)
             words.erase(words.begin() + 4);
-        }
         attributes.take(words);
     }
-    if (set.points.empty()) {
-        fail(std::string("no line begins with \"v\"; ") + readableFormats);
-    }
+    if (set.points.empty()) fail(std::string("no line begins with \"v\"; ") + readableFormats);
     attributes.moveTo(set);
     return set;
 }

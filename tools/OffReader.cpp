@@ -35,17 +35,13 @@ std::uint64_t OffReader::takeNumVertices() {
     std::string_view line;
     nextDataLine(line);
     const std::string_view keyword = takeWord(line);
-    if (!endsInOff(keyword)) {
-        fail("not an OFF file: its first word doesn't end in \"OFF\"");
-    }
+    if (!endsInOff(keyword)) fail("not an OFF file: its first word doesn't end in \"OFF\"");
     const std::string_view prefix = keyword.substr(0, keyword.size() - 3);
     if (std::find(std::begin(readablePrefixes), std::end(readablePrefixes), prefix) ==
-        std::end(readablePrefixes)) {
+        std::end(readablePrefixes))
         fail(quoted(keyword) + ": only points with three coordinates are read");
-    }
-    if (trimmed(line).empty() && !nextDataLine(line)) {
+    if (trimmed(line).empty() && !nextDataLine(line))
         fail("the counts of vertices, faces and edges are missing");
-    }
     std::uint64_t numVertices = 0;
     const std::string_view word = takeWord(line);
     if (!parseCount(word, numVertices)) {

@@ -56,10 +56,8 @@ AxisColumns parseColumns(const std::string& text) {
         numbers[i] = static_cast<std::size_t>(number);
         bGood = bGood && numbers[i] == number;
     }
-    if (!bGood || numbers[0] == numbers[1] || numbers[0] == numbers[2] ||
-        numbers[1] == numbers[2]) {
+    if (!bGood || numbers[0] == numbers[1] || numbers[0] == numbers[2] || numbers[1] == numbers[2])
         throw InputError("--columns: " + tool::quoted(text) + " is not like 1,2,3");
-    }
     return {numbers[0] - 1, numbers[1] - 1, numbers[2] - 1};
 }
 
@@ -70,9 +68,8 @@ void refuseNamesGivenTwice(std::vector<std::string> names) {
         std::error_code ignored;
         const auto path = std::filesystem::absolute(std::filesystem::u8path(name));
         const std::string real = std::filesystem::weakly_canonical(path, ignored).u8string();
-        if (std::find(seen.begin(), seen.end(), real) != seen.end()) {
+        if (std::find(seen.begin(), seen.end(), real) != seen.end())
             throw InputError(name, "named twice");
-        }
         seen.push_back(real);
     }
 }
@@ -151,40 +148,27 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw InputError(std::string(error.what()) + " (varn3d --help tells more)");
     }
-    if (!words.format.empty()) {
-        options.reading.format = formats.at(words.format);
-    }
-    if (!words.columns.empty()) {
-        options.reading.columns = parseColumns(words.columns);
-    }
-    for (const std::string& clip : words.clips) {
+    if (!words.format.empty()) options.reading.format = formats.at(words.format);
+    if (!words.columns.empty()) options.reading.columns = parseColumns(words.columns);
+    for (const std::string& clip : words.clips)
         options.clipPlanes.push_back(ClipPlane::parse(clip));
-    }
     options.reading.bAttributes = !options.vtk.empty();
     options.refuseSenseless();
     return options;
 }
 
 void Options::refuseSenseless() const {
-    if (!clipPlanes.empty() && vtk.empty() && medit.empty() && tetgen.empty()) {
+    if (!clipPlanes.empty() && vtk.empty() && medit.empty() && tetgen.empty())
         throw InputError("--clip needs --vtk, --medit or --tetgen");
-    }
-    for (const std::string& name : {vtk, medit, geomview, duplicates, tetgen, hull}) {
-        if (name == "-") {
-            throw InputError("- names standard input, not a file to write");
-        }
-    }
-    if (!hull.empty() && !endsIn(hull, ".ply") && !endsIn(hull, ".obj")) {
+    for (const std::string& name : {vtk, medit, geomview, duplicates, tetgen, hull})
+        if (name == "-") throw InputError("- names standard input, not a file to write");
+    if (!hull.empty() && !endsIn(hull, ".ply") && !endsIn(hull, ".obj"))
         throw InputError(hull, "the hull can be written to a .ply or an .obj file");
-    }
-    if (bAscii && endsIn(vtk, ".vtu")) {
-        throw InputError(vtk, "--ascii is for .vtk and .ply files");
-    }
+    if (bAscii && endsIn(vtk, ".vtu")) throw InputError(vtk, "--ascii is for .vtk and .ply files");
     std::vector<std::string> names = {
         input == "-" ? "" : input, vtk, geomview, medit, hull, duplicates};
-    for (const char* ending : {".node", ".ele", ".face", ".neigh"}) {
+    for (const char* ending : {".node", ".ele", ".face", ".neigh"})
         names.push_back(tetgen.empty() ? "" : tetgen + ending);
-    }
     refuseNamesGivenTwice(names);
 }
 

@@ -16,9 +16,7 @@ OutputFile::OutputFile(const std::string& targetName) : displayName(targetName) 
     std::error_code ignored;
     const fs::path named = fs::u8path(targetName);
     fs::path real = fs::weakly_canonical(named, ignored);
-    if (real.empty()) {
-        real = named;
-    }
+    if (real.empty()) real = named;
     target = real.u8string();
     if (fs::is_directory(real, ignored)) {
         errno = EISDIR;
@@ -30,9 +28,7 @@ OutputFile::OutputFile(const std::string& targetName) : displayName(targetName) 
     } else {
         createTemporary();
     }
-    if (!pFile) {
-        fail();
-    }
+    if (!pFile) fail();
     std::setvbuf(pFile, nullptr, _IONBF, 0);
     buffer.reserve(2 * bufferSize);
 }
@@ -42,20 +38,14 @@ void OutputFile::createTemporary() {
     for (int attempt = 0; !pFile && attempt < 1000; ++attempt) {
         temporaryName = target + ".part" + std::to_string(attempt);
         pFile = std::fopen(temporaryName.c_str(), "wbx");
-        if (!pFile && errno != EEXIST) {
-            return;
-        }
+        if (!pFile && errno != EEXIST) return;
     }
     bTemporary = pFile != nullptr;
-    if (bTemporary) {
-        addTemporaryFile(temporaryName);
-    }
+    if (bTemporary) addTemporaryFile(temporaryName);
 }
 
 OutputFile::~OutputFile() {
-    if (pFile) {
-        std::fclose(pFile);
-    }
+    if (pFile) std::fclose(pFile);
     if (bTemporary) {
         const SignalBlock block;
         std::remove(temporaryName.c_str());
@@ -64,9 +54,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::flush() {
-    if (std::fwrite(buffer.data(), 1, buffer.size(), pFile) != buffer.size()) {
-        fail();
-    }
+    if (std::fwrite(buffer.data(), 1, buffer.size(), pFile) != buffer.size()) fail();
     buffer.clear();
 }
 
@@ -74,9 +62,7 @@ void OutputFile::close() {
     flush();
     std::FILE* const pClosing = pFile;
     pFile = nullptr;
-    if (std::fclose(pClosing) != 0) {
-        fail();
-    }
+    if (std::fclose(pClosing) != 0) fail();
 }
 
 void OutputFile::commit() {

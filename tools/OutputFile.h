@@ -35,9 +35,7 @@ class OutputFile {
 
     void write(std::string_view bytes) {
         buffer.append(bytes);
-        if (buffer.size() >= bufferSize) {
-            flush();
-        }
+        if (buffer.size() >= bufferSize) flush();
     }
     /// Writes the shortest decimal text that reads back as the same number.
     template <class Number>
@@ -52,9 +50,8 @@ class OutputFile {
     void writeBinary(Number number, ByteOrder order) {
         char bytes[sizeof number];
         std::memcpy(bytes, &number, sizeof number);
-        if ((order == ByteOrder::bigEndian) != isBigEndian()) {
+        if ((order == ByteOrder::bigEndian) != isBigEndian())
             std::reverse(bytes, bytes + sizeof number);
-        }
         write(std::string_view(bytes, sizeof number));
     }
 

@@ -34,14 +34,11 @@ PointSet PlyReader::read() {
     data = lines.rest();
     for (const Element& element : elements) {
         const bool bVertices = element.name == "vertex";
-        if (encoding == Encoding::ascii) {
+        if (encoding == Encoding::ascii)
             readAsciiElement(element, bVertices);
-        } else {
+        else
             readBinaryElement(element, bVertices);
-        }
-        if (bVertices) {
-            break;
-        }
+        if (bVertices) break;
     }
     return std::move(set);
 }
@@ -50,21 +47,16 @@ PointSet PlyReader::read() {
 
 void PlyReader::parseHeader() {
     std::string_view line;
-    if (!lines.next(line) || trimmed(line) != "ply") {
+    if (!lines.next(line) || trimmed(line) != "ply")
         throw InputError(fileName, 1, "not a PLY file: its first line is not \"ply\"");
-    }
     bool bFormat = false;
     while (lines.next(line)) {
         const std::string_view keyword = takeWord(line);
         if (keyword == "end_header") {
             const auto isVertex = [](const Element& element) { return element.name == "vertex"; };
             const auto vertices = std::find_if(elements.begin(), elements.end(), isVertex);
-            if (!bFormat) {
-                fail("the header names no format");
-            }
-            if (vertices == elements.end()) {
-                fail("the header names no vertex element");
-            }
+            if (!bFormat) fail("the header names no format");
+            if (vertices == elements.end()) fail("the header names no vertex element");
             checkVertexElement(*vertices);
             return;
         }
@@ -84,71 +76,54 @@ void PlyReader::parseHeader() {
 
 void PlyReader::parseFormat(std::string_view words) {
     const std::string_view name = takeWord(words);
-    if (name == "ascii") {
+    if (name == "ascii")
         encoding = Encoding::ascii;
-    } else if (name == "binary_little_endian") {
+    else if (name == "binary_little_endian")
         encoding = Encoding::littleEndian;
-    } else if (name == "binary_big_endian") {
+    else if (name == "binary_big_endian")
         encoding = Encoding::bigEndian;
-    } else {
+    else
         fail("unknown format " + quoted(name));
-    }
     const std::string_view version = takeWord(words);
-    if (version != "1.0") {
-        fail("unknown format version " + quoted(version));
-    }
+    if (version != "1.0") fail("unknown format version " + quoted(version));
 }
 
 void PlyReader::parseElement(std::string_view words) {
     Element element;
     element.name = takeWord(words);
     const std::string_view count = takeWord(words);
-    if (element.name.empty() || !parseCount(count, element.count)) {
+    if (element.name.empty() || !parseCount(count, element.count))
         fail(quoted(count) + " is not a number of elements");
-    }
     const auto sameName = [&](const Element& other) { return other.name == element.name; };
-    if (std::any_of(elements.begin(), elements.end(), sameName)) {
+    if (std::any_of(elements.begin(), elements.end(), sameName))
         fail("a second element " + quoted(element.name));
-    }
     elements.push_back(element);
 }
 
 void PlyReader::parseProperty(std::string_view words) {
-    if (elements.empty()) {
-        fail("a property before the first element");
-    }
+    if (elements.empty()) fail("a property before the first element");
     Property property = {};
     std::string_view type = takeWord(words);
     property.bList = type == "list";
     if (property.bList) {
         const std::string_view countType = takeWord(words);
         property.countType = parseScalar(countType);
-        if (property.countType.bFloat) {
-            fail("a list can't be counted in " + quoted(countType));
-        }
+        if (property.countType.bFloat) fail("a list can't be counted in " + quoted(countType));
         type = takeWord(words);
     }
     property.type = parseScalar(type);
     const std::string_view name = takeWord(words);
-    if (name.empty()) {
-        fail("a property without a name");
-    }
+    if (name.empty()) fail("a property without a name");
     Element& element = elements.back();
     property.slot = takeSlot(name, element.name, property.bList);
     element.properties.push_back(property);
 }
 
 int PlyReader::takeSlot(std::string_view name, const std::string& element, bool bList) {
-    if (element != "vertex") {
-        return -1;
-    }
+    if (element != "vertex") return -1;
     const int axis = axisOf(name);
-    if (axis >= 0 && bList) {
-        fail("the vertex property " + quoted(name) + " is a list");
-    }
-    if (axis >= 0 || bList || !options.bAttributes) {
-        return axis;
-    }
+    if (axis >= 0 && bList) fail("the vertex property " + quoted(name) + " is a list");
+    if (axis >= 0 || bList || !options.bAttributes) return axis;
     set.attributes.push_back({std::string(name), {}});
     values.push_back(0);
     return static_cast<int>(values.size()) - 1;
@@ -165,11 +140,8 @@ PlyReader::Scalar PlyReader::parseScalar(std::string_view word) const {
         {"int", "int32", {4, true, false}},    {"uint", "uint32", {4, false, false}},
         {"float", "float32", {4, true, true}}, {"double", "float64", {8, true, true}},
     };
-    for (const auto& scalar : scalars) {
-        if (word == scalar.name || word == scalar.sizedName) {
-            return scalar.type;
-        }
-    }
+    for (const auto& scalar : scalars)
+        if (word == scalar.name || word == scalar.sizedName) return scalar.type;
     fail("unknown property type " + quoted(word));
 }
 
@@ -186,17 +158,14 @@ void PlyReader::checkVertexElement(const Element& element) const {
 
 void PlyReader::addVertex() {
     set.points.emplace_back(values[0], values[1], values[2]);
-    for (std::size_t i = 0; i < set.attributes.size(); ++i) {
+    for (std::size_t i = 0; i < set.attributes.size(); ++i)
         set.attributes[i].values.push_back(values[3 + i]);
-    }
 }
 
 // ---- ASCII data: a line an element
 
 void PlyReader::readAsciiElement(const Element& element, bool bVertices) {
-    if (element.properties.empty()) {
-        return;
-    }
+    if (element.properties.empty()) return;
     for (std::uint64_t i = 0; i < element.count; ++i) {
         std::string_view line;
         do {
@@ -207,9 +176,7 @@ void PlyReader::readAsciiElement(const Element& element, bool bVertices) {
         } while (trimmed(line).empty());
         tellShare();
         readAsciiLine(element, line);
-        if (bVertices) {
-            addVertex();
-        }
+        if (bVertices) addVertex();
     }
 }
 
@@ -218,36 +185,26 @@ void PlyReader::readAsciiLine(const Element& element, std::string_view line) {
         const std::string_view word = takeAsciiValue(line);
         if (property.bList) {
             std::uint64_t length = 0;
-            if (!parseCount(word, length)) {
-                fail(quoted(word) + " is not the length of a list");
-            }
-            for (; length > 0; --length) {
-                takeAsciiValue(line);
-            }
+            if (!parseCount(word, length)) fail(quoted(word) + " is not the length of a list");
+            for (; length > 0; --length) takeAsciiValue(line);
         } else if (property.slot >= 0) {
             const auto slot = static_cast<std::size_t>(property.slot);
             values[slot] = parseAsciiValue(word, slot < 3);
         }
     }
-    if (!trimmed(line).empty()) {
-        fail("more values than the header names");
-    }
+    if (!trimmed(line).empty()) fail("more values than the header names");
 }
 
 std::string_view PlyReader::takeAsciiValue(std::string_view& line) const {
     const std::string_view word = takeWord(line);
-    if (word.empty()) {
-        fail("fewer values than the header names");
-    }
+    if (word.empty()) fail("fewer values than the header names");
     return word;
 }
 
 double PlyReader::parseAsciiValue(std::string_view word, bool bFinite) const {
     double value = 0;
     const char* const problem = parseNumber(word, value);
-    if (problem && (bFinite || !parseAnyNumber(word, value))) {
-        fail(quoted(word) + problem);
-    }
+    if (problem && (bFinite || !parseAnyNumber(word, value))) fail(quoted(word) + problem);
     return value;
 }
 
@@ -255,21 +212,16 @@ double PlyReader::parseAsciiValue(std::string_view word, bool bFinite) const {
 
 void PlyReader::readBinaryElement(const Element& element, bool bVertices) {
     std::uint64_t smallestRecord = 0;
-    for (const Property& property : element.properties) {
+    for (const Property& property : element.properties)
         smallestRecord += property.bList ? property.countType.size : property.type.size;
-    }
-    if (smallestRecord == 0) {
-        return;
-    }
+    if (smallestRecord == 0) return;
     if (bVertices) {
         const std::uint64_t mostPossible = data.size() / smallestRecord;
         set.points.reserve(static_cast<std::size_t>(std::min(element.count, mostPossible)));
     }
     for (std::uint64_t i = 0; i < element.count; ++i) {
         readBinaryRecord({&element, i});
-        if (bVertices) {
-            addVertex();
-        }
+        if (bVertices) addVertex();
     }
 }
 
@@ -278,9 +230,7 @@ void PlyReader::readBinaryRecord(const Place& place) {
         if (property.bList) {
             const Scalar& countType = property.countType;
             const double length = decode(takeBytes(countType.size, place), countType);
-            if (length < 0) {
-                failAtPlace(place, "a list of negative length");
-            }
+            if (length < 0) failAtPlace(place, "a list of negative length");
             takeBytes(static_cast<std::uint64_t>(length) * property.type.size, place);
             continue;
         }
@@ -288,9 +238,8 @@ void PlyReader::readBinaryRecord(const Place& place) {
         if (property.slot >= 0) {
             const auto slot = static_cast<std::size_t>(property.slot);
             values[slot] = decode(bytes, property.type);
-            if (slot < 3 && !std::isfinite(values[slot])) {
+            if (slot < 3 && !std::isfinite(values[slot]))
                 failAtPlace(place, std::string(1, "xyz"[slot]) + " is not finite");
-            }
         }
     }
 }

@@ -48,11 +48,9 @@ void refuseForeign(std::string_view content, const std::string& fileName) {
                          "compressed with gzip: gunzip -c FILE | varn3d - reads it, with "
                          "--format NAME if it is OBJ or .node");
     }
-    for (const auto& other : foreign) {
-        if (beginsWith(content, other.beginning)) {
+    for (const auto& other : foreign)
+        if (beginsWith(content, other.beginning))
             throw InputError(fileName, std::string(other.name) + "; " + readableFormats);
-        }
-    }
     if (content.substr(0, 16).find('\0') != std::string_view::npos) {
         throw InputError(fileName,
                          std::string("binary data, or text in UTF-16; ") + readableFormats);
@@ -62,21 +60,14 @@ void refuseForeign(std::string_view content, const std::string& fileName) {
 PointFormat formatOf(std::string_view content, const std::string& fileName) {
     std::string_view firstLine;
     LineCursor(content).next(firstLine);
-    if (trimmed(firstLine) == "ply") {
-        return PointFormat::ply;
-    }
-    if (OffReader::isFirstLine(firstLine)) {
-        return PointFormat::off;
-    }
+    if (trimmed(firstLine) == "ply") return PointFormat::ply;
+    if (OffReader::isFirstLine(firstLine)) return PointFormat::off;
     const std::pair<const char*, PointFormat> endings[] = {{".ply", PointFormat::ply},
                                                            {".obj", PointFormat::obj},
                                                            {".off", PointFormat::off},
                                                            {".node", PointFormat::node}};
-    for (const auto& [ending, format] : endings) {
-        if (endsIn(fileName, ending)) {
-            return format;
-        }
-    }
+    for (const auto& [ending, format] : endings)
+        if (endsIn(fileName, ending)) return format;
     return PointFormat::text;
 }
 
@@ -107,21 +98,15 @@ std::string readAll(std::FILE* file, const std::string& name) {
         numRead = std::fread(&content[before], 1, chunk, file);
         content.resize(before + numRead);
     }
-    if (std::ferror(file)) {
-        throw InputError(name, std::strerror(errno));
-    }
+    if (std::ferror(file)) throw InputError(name, std::strerror(errno));
     return content;
 }
 
 std::string readContent(const std::string& fileName, const std::string& displayName) {
-    if (fileName == "-") {
-        return readAll(stdin, displayName);
-    }
+    if (fileName == "-") return readAll(stdin, displayName);
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(fileName.c_str(), "rb"),
                                                                std::fclose);
-    if (!file) {
-        throw InputError(displayName, std::strerror(errno));
-    }
+    if (!file) throw InputError(displayName, std::strerror(errno));
     return readAll(file.get(), displayName);
 }
 
@@ -136,16 +121,11 @@ PointSet parsePoints(std::string_view content, const std::string& fileName,
                      const ReadingOptions& options) {
     PointFormat format = options.format;
     refuseForeign(content, fileName);
-    if (format == PointFormat::automatic) {
-        format = formatOf(content, fileName);
-    }
-    if (options.columns && format != PointFormat::text) {
+    if (format == PointFormat::automatic) format = formatOf(content, fileName);
+    if (options.columns && format != PointFormat::text)
         throw InputError(fileName, "--columns is for text only");
-    }
     PointSet set = makeReader(content, fileName, format, options)->read();
-    if (set.points.empty()) {
-        throw InputError(fileName, "no points");
-    }
+    if (set.points.empty()) throw InputError(fileName, "no points");
     return set;
 }
 

@@ -31,12 +31,8 @@ std::string_view PointReader::takeVertexLine(std::uint64_t index, std::uint64_t 
 double PointReader::takeNumber(std::string_view& line) const {
     const std::string_view word = takeWord(line);
     double value = 0;
-    if (word.empty()) {
-        fail("fewer than three coordinates");
-    }
-    if (const char* const problem = parseNumber(word, value)) {
-        fail(quoted(word) + problem);
-    }
+    if (word.empty()) fail("fewer than three coordinates");
+    if (const char* const problem = parseNumber(word, value)) fail(quoted(word) + problem);
     return value;
 }
 
@@ -47,9 +43,8 @@ VARN3D::Point3 PointReader::takePoint(std::string_view& line) const {
 }
 
 void PointReader::tellShare() const {
-    if (options.pShare && lines.lineNumber() % 1024 == 0) {
+    if (options.pShare && lines.lineNumber() % 1024 == 0)
         options.pShare->store(lines.share(), std::memory_order_relaxed);
-    }
 }
 
 void PointReader::fail(const std::string& problem) const {

@@ -23,9 +23,7 @@ Progress::~Progress() {
         bEnded = true;
     }
     ended.notify_one();
-    if (reporter.joinable()) {
-        reporter.join();
-    }
+    if (reporter.joinable()) reporter.join();
 }
 
 void Progress::begin(const std::string& work, Share share) {

@@ -13,12 +13,10 @@ namespace {
 /// 0, 1, 2 for the column names x, y, z, and for those that VTK's programs give them; -1 for any
 /// other.
 int axisNamed(std::string_view name) {
-    if (name.size() == 8 && (name.substr(0, 7) == "Points:" || name.substr(0, 7) == "Points_")) {
+    if (name.size() == 8 && (name.substr(0, 7) == "Points:" || name.substr(0, 7) == "Points_"))
         return name[7] >= '0' && name[7] <= '2' ? name[7] - '0' : -1;
-    }
-    if (!name.empty() && (name.back() == ')' || name.back() == ']')) {
+    if (!name.empty() && (name.back() == ')' || name.back() == ']'))
         name = trimmed(name.substr(0, name.find(name.back() == ')' ? '(' : '[')));
-    }
     const std::string_view axes = "xyzXYZ";
     const std::size_t found = name.size() == 1 ? axes.find(name[0]) : std::string_view::npos;
     return found == std::string_view::npos ? -1 : static_cast<int>(found % 3);
@@ -54,9 +52,7 @@ std::string TextLayout::parse(const Columns& columns, std::array<double, 3>& xyz
     for (std::size_t axis = 0; axis < 3 && problem.empty(); ++axis) {
         const std::string_view text = columns[axes[axis]];
         const char* const fault = parseNumber(text, xyz[axis]);
-        if (!fault) {
-            continue;
-        }
+        if (!fault) continue;
         if (text.empty()) {
             problem = "column " + std::to_string(axes[axis] + 1) + " is empty";
         } else if (hasDecimalComma(text)) {

@@ -10,15 +10,9 @@ namespace tool {
 namespace {
 
 std::string_view withoutComment(std::string_view line) {
-    if (trimmed(line).substr(0, 2) == "//") {
-        return {};
-    }
-    for (std::size_t at = line.find('#'); at != std::string_view::npos;
-         at = line.find('#', at + 1)) {
-        if (at == 0 || isBlank(line[at - 1])) {
-            return line.substr(0, at);
-        }
-    }
+    if (trimmed(line).substr(0, 2) == "//") return {};
+    for (std::size_t at = line.find('#'); at != std::string_view::npos; at = line.find('#', at + 1))
+        if (at == 0 || isBlank(line[at - 1])) return line.substr(0, at);
     return line;
 }
 
@@ -52,9 +46,8 @@ std::optional<std::size_t> positionColumn(std::string_view text) {
         const bool bPosition = takeField() == "pos";
         takeField();
         const bool bCount = parseCount(takeField(), count) && count <= mostColumns;
-        if (!bCount || bPosition) {
+        if (!bCount || bPosition)
             return bPosition && count == 3 ? std::optional<std::size_t>(column) : std::nullopt;
-        }
     }
     return std::nullopt;
 }
@@ -64,9 +57,7 @@ std::optional<std::size_t> positionColumn(std::string_view text) {
 PointSet TextReader::read() {
     PointSet set;
     std::string_view row = takeHead();
-    if (row.empty()) {
-        return set;
-    }
+    if (row.empty()) return set;
     refuseAnythingElse(row);
     layout = LayoutFinder(header, row, lines.lineNumber(), options.columns).find(fileName);
     announceAttributes();
@@ -91,29 +82,21 @@ bool TextReader::nextRow(std::string_view& row) {
     while (lines.next(line)) {
         tellShare();
         row = withoutComment(line);
-        if (!trimmed(row).empty()) {
-            return true;
-        }
-        if (!bHeadTaken) {
-            noteHeaderIn(trimmed(line));
-        }
+        if (!trimmed(row).empty()) return true;
+        if (!bHeadTaken) noteHeaderIn(trimmed(line));
     }
     return false;
 }
 
 void TextReader::noteHeaderIn(std::string_view comment) {
     comment.remove_prefix(std::min(comment.find_first_not_of("#/"), comment.size()));
-    if (namesAxes(comment)) {
-        header = TextHeader{comment, lines.lineNumber(), true};
-    }
+    if (namesAxes(comment)) header = TextHeader{comment, lines.lineNumber(), true};
 }
 
 std::string_view TextReader::takeHead() {
     std::string_view row;
     std::uint64_t count = 0;
-    if (!nextRow(row)) {
-        return {};
-    }
+    if (!nextRow(row)) return {};
     if (parseCount(trimmed(row), count)) {
         promised = count;
         promisingLine = lines.lineNumber();
@@ -134,9 +117,8 @@ std::string_view TextReader::takeRowAfterCount() {
     const LineCursor behindCount = lines;
     std::string_view row;
     if (nextRow(row) &&
-        (namesAxes(row) || LayoutFinder(header, row, lines.lineNumber(), options.columns).fits())) {
+        (namesAxes(row) || LayoutFinder(header, row, lines.lineNumber(), options.columns).fits()))
         return row;
-    }
     lines = behindCount;
     return takeFirstAtom();
 }
@@ -146,18 +128,13 @@ std::string_view TextReader::takeFirstAtom() {
     std::string_view row;
     lines.next(text);
     bHeadTaken = true;
-    if (!nextRow(row)) {
-        return {};
-    }
+    if (!nextRow(row)) return {};
     cut(row, Separator::blanks, columns);
-    if (options.columns || columns.size() < 4) {
-        return row;
-    }
+    if (options.columns || columns.size() < 4) return row;
     const std::optional<std::size_t> first = positionColumn(text);
     bAtoms = !isNumber(columns[0]);
-    if (!bAtoms && !first) {
+    if (!bAtoms && !first)
         fail("columns 1, 2, 3, or 2, 3, 4 behind an element's number? --columns tells which");
-    }
     const std::size_t x = first.value_or(1);
     options.columns = AxisColumns{x, x + 1, x + 2};
     return row;
@@ -167,16 +144,11 @@ std::string_view TextReader::takeFirstAtom() {
 /// points that are numbered from 0 or 1.
 bool TextReader::isNumberedLikeNodes(std::string_view row) const {
     std::uint64_t counts[4] = {};
-    for (std::uint64_t& count : counts) {
-        if (!parseCount(takeWord(row), count)) {
-            return false;
-        }
-    }
+    for (std::uint64_t& count : counts)
+        if (!parseCount(takeWord(row), count)) return false;
     LineCursor behind = lines;
     std::string_view next;
-    while (trimmed(next).empty() && behind.next(next)) {
-        next = withoutComment(next);
-    }
+    while (trimmed(next).empty() && behind.next(next)) next = withoutComment(next);
     std::vector<std::string_view> words;
     cut(next, Separator::blanks, words);
     return trimmed(row).empty() && (counts[1] == 2 || counts[1] == 3) && counts[3] <= 1 &&
@@ -217,9 +189,7 @@ void TextReader::addRow(std::string_view row, PointSet& set) {
     std::array<double, 3> xyz = {};
     cut(row, layout.separator, columns);
     const std::string problem = layout.parse(columns, xyz);
-    if (!problem.empty()) {
-        fail(problem);
-    }
+    if (!problem.empty()) fail(problem);
     set.points.emplace_back(xyz[0], xyz[1], xyz[2]);
     attributes.take(columns);
 }

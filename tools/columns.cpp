@@ -24,9 +24,7 @@ bool separates(char c, Separator separator) {
 
 std::size_t skipBlanks(std::string_view line, std::size_t at, Separator separator) {
     const bool bAll = separator == Separator::blanks;
-    while (at < line.size() && isBlank(line[at]) && (bAll || !separates(line[at], separator))) {
-        ++at;
-    }
+    while (at < line.size() && isBlank(line[at]) && (bAll || !separates(line[at], separator))) ++at;
     return at;
 }
 
@@ -35,13 +33,9 @@ std::size_t findEnd(std::string_view line, std::size_t begin, Separator separato
     // A quote within quotes is doubled: then one quoted text follows upon the other.
     for (std::size_t closing = begin; at < line.size() && line[at] == '"'; at = closing + 1) {
         closing = line.find('"', at + 1);
-        if (closing == std::string_view::npos) {
-            break;
-        }
+        if (closing == std::string_view::npos) break;
     }
-    while (at < line.size() && !separates(line[at], separator)) {
-        ++at;
-    }
+    while (at < line.size() && !separates(line[at], separator)) ++at;
     return at;
 }
 
@@ -63,9 +57,7 @@ bool contains(std::string_view line, Separator separator) {
 
 void cut(std::string_view line, Separator separator, std::vector<std::string_view>& columns) {
     columns.clear();
-    if (separator == Separator::blanks) {
-        line = trimmed(line);
-    }
+    if (separator == Separator::blanks) line = trimmed(line);
     for (std::size_t begin = 0; begin <= line.size();) {
         begin = skipBlanks(line, begin, separator);
         const std::size_t end = findEnd(line, begin, separator);

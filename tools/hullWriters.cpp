@@ -15,9 +15,8 @@ namespace {
 /// The hull's corners, sorted, and its facets in terms of their places in this list.
 struct Surface {
     explicit Surface(const IndexedMesh& mesh) : facets(mesh.hull) {
-        for (const IndexedMesh::Facet& facet : facets) {
+        for (const IndexedMesh::Facet& facet : facets)
             corners.insert(corners.end(), facet.begin(), facet.end());
-        }
         std::sort(corners.begin(), corners.end());
         corners.erase(std::unique(corners.begin(), corners.end()), corners.end());
         for (IndexedMesh::Facet& facet : facets) {
@@ -48,16 +47,13 @@ void writeHullPlyBinary(const IndexedMesh& mesh, OutputFile& file) {
     writePlyHeader(surface, "binary_little_endian", file);
     for (const std::uint32_t corner : surface.corners) {
         const Point3& p = mesh.points[corner];
-        for (const double coordinate : {p.x(), p.y(), p.z()}) {
+        for (const double coordinate : {p.x(), p.y(), p.z()})
             file.writeBinary(coordinate, ByteOrder::littleEndian);
-        }
         file.writeBinary(corner, ByteOrder::littleEndian);
     }
     for (const IndexedMesh::Facet& facet : surface.facets) {
         file.writeBinary(std::uint8_t{3}, ByteOrder::littleEndian);
-        for (const std::uint32_t corner : facet) {
-            file.writeBinary(corner, ByteOrder::littleEndian);
-        }
+        for (const std::uint32_t corner : facet) file.writeBinary(corner, ByteOrder::littleEndian);
     }
 }
 

@@ -9,19 +9,15 @@ namespace tool {
 
 LineCursor::LineCursor(std::string_view text) : content(text) {
     const std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (content.substr(0, byteOrderMark.size()) == byteOrderMark) {
+    if (content.substr(0, byteOrderMark.size()) == byteOrderMark)
         content.remove_prefix(byteOrderMark.size());
-    }
     nextNewline = std::min(content.find('\n'), content.size());
 }
 
 bool LineCursor::next(std::string_view& line) {
-    if (position >= content.size()) {
-        return false;
-    }
-    if (nextNewline < position) {
+    if (position >= content.size()) return false;
+    if (nextNewline < position)
         nextNewline = std::min(content.find('\n', position), content.size());
-    }
     line = content.substr(position, nextNewline - position);
     const std::size_t carriageReturn = line.find('\r');
     if (carriageReturn == std::string_view::npos) {
@@ -46,12 +42,8 @@ bool isBlank(char c) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
-        text.remove_suffix(1);
-    }
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
     return text;
 }
 
@@ -82,12 +74,9 @@ std::from_chars_result convert(std::string_view text, double& value) {
 
 const char* parseNumber(std::string_view text, double& value) {
     const auto result = convert(text, value);
-    if (result.ec == std::errc::invalid_argument || result.ptr != text.data() + text.size()) {
+    if (result.ec == std::errc::invalid_argument || result.ptr != text.data() + text.size())
         return " is not a number";
-    }
-    if (result.ec == std::errc::result_out_of_range) {
-        return " is out of the range of a double";
-    }
+    if (result.ec == std::errc::result_out_of_range) return " is out of the range of a double";
     return std::isfinite(value) ? nullptr : " is not finite";
 }
 

@@ -23,9 +23,7 @@ bool stderrIsTerminal() {
 
 std::uint64_t peakMemory() {
     rusage usage = {};
-    if (getrusage(RUSAGE_SELF, &usage) != 0) {
-        return 0;
-    }
+    if (getrusage(RUSAGE_SELF, &usage) != 0) return 0;
 #if defined(__APPLE__)
     const std::uint64_t unit = 1;
 #else

@@ -25,17 +25,13 @@ const int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 sigset_t endingSet() {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : endingSignals) {
-        sigaddset(&set, signal);
-    }
+    for (const int signal : endingSignals) sigaddset(&set, signal);
     return set;
 }
 
 /// Its own signal ends the process as soon as it returns, so that the parent sees which it was.
 extern "C" void removeTemporaryFiles(int signal) {
-    for (const std::string& name : temporaryFiles) {
-        unlink(name.c_str());
-    }
+    for (const std::string& name : temporaryFiles) unlink(name.c_str());
     raise(signal);
 }
 
@@ -99,9 +95,7 @@ void addTemporaryFile(const std::string& name) {
 void forgetTemporaryFile(const std::string& name) {
     temporaryFiles.erase(std::remove(temporaryFiles.begin(), temporaryFiles.end(), name),
                          temporaryFiles.end());
-    if (temporaryFiles.empty()) {
-        leaveSignals();
-    }
+    if (temporaryFiles.empty()) leaveSignals();
 }
 
 }  // namespace tool

@@ -37,11 +37,9 @@ void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file) {
 void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file) {
     std::vector<IndexedMesh::Facet> facets;
     for (std::size_t t = 0; t < mesh.tetrahedra.size(); ++t) {
-        for (std::size_t corner = 0; corner < 4; ++corner) {
-            if (adjacency.across(t, corner) == Adjacency::none) {
+        for (std::size_t corner = 0; corner < 4; ++corner)
+            if (adjacency.across(t, corner) == Adjacency::none)
                 facets.push_back(IndexedMesh::facetOpposite(mesh.tetrahedra[t], corner));
-            }
-        }
     }
     writeNumbered(facets.size(), " 0", file,
                   [&](std::size_t i) { writeCorners(facets[i], 0, file); });

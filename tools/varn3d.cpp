@@ -88,9 +88,7 @@ ExitCode Program::run() {
                                                std::to_string(numPoints) + " points, " +
                                                std::to_string(numVertices) + " distinct)");
     }
-    if (options.bCheck) {
-        check();
-    }
+    if (options.bCheck) check();
     writeFiles();
     std::optional<MeshStatistics> statistics;
     if (options.bStatistics) {
@@ -98,18 +96,11 @@ ExitCode Program::run() {
         statistics.emplace(tets);
     }
     progress.end();
-    if (!options.bQuiet) {
-        printSummary();
-    }
-    if (!options.clipPlanes.empty() && numKept == 0) {
+    if (!options.bQuiet) printSummary();
+    if (!options.clipPlanes.empty() && numKept == 0)
         std::fputs("varn3d: no tetrahedron lies wholly on the side that --clip keeps\n", stderr);
-    }
-    if (statistics) {
-        statistics->print(stdout);
-    }
-    if (std::fflush(stdout) != 0) {
-        throw InputError("standard output", "can't be written");
-    }
+    if (statistics) statistics->print(stdout);
+    if (std::fflush(stdout) != 0) throw InputError("standard output", "can't be written");
     return bValid ? success : checkFailed;
 }
 
@@ -121,9 +112,8 @@ void Program::readPoints() {
                    [share] { return share->load(std::memory_order_relaxed); });
     input = readPointFile(options.input, reading);
     numPoints = input.points.size();
-    if (numPoints > static_cast<std::size_t>(INT32_MAX)) {
+    if (numPoints > static_cast<std::size_t>(INT32_MAX))
         throw InputError(options.input, "more than 2147483647 points");
-    }
     for (const std::string& column : input.textColumns) {
         std::fprintf(stderr, "varn3d: column %s doesn't hold numbers only: left out of %s\n",
                      quoted(column).c_str(), options.vtk.c_str());
@@ -154,24 +144,17 @@ void Program::check() {
 }
 
 void Program::writeFiles() {
-    if (!options.geomview.empty()) {
-        writeGeomview();
-    }
+    if (!options.geomview.empty()) writeGeomview();
     if (!(options.vtk.empty() && options.medit.empty() && options.tetgen.empty() &&
-          options.hull.empty() && options.duplicates.empty())) {
+          options.hull.empty() && options.duplicates.empty()))
         writeIndexedMesh();
-    }
-    for (OutputFile& file : files) {
-        file.commit();
-    }
+    for (OutputFile& file : files) file.commit();
 }
 
 void Program::writeIndexedMesh() {
     progress.begin("sorting " + std::to_string(tets.size()) + " tetrahedra");
     IndexedMesh indexed(std::move(input), vertexOfPoint, tets);
-    for (const ClipPlane& plane : options.clipPlanes) {
-        indexed.clip(plane);
-    }
+    for (const ClipPlane& plane : options.clipPlanes) indexed.clip(plane);
     numKept = indexed.tetrahedra.size();
     const bool bXml = endsIn(options.vtk, ".vtu");
     const bool bObj = endsIn(options.hull, ".obj");
@@ -180,17 +163,14 @@ void Program::writeIndexedMesh() {
         writer(indexed, files.emplace_back(name));
         files.back().close();
     };
-    if (!options.vtk.empty()) {
+    if (!options.vtk.empty())
         write(options.vtk, bXml ? writeVtu : options.bAscii ? writeVtkAscii : writeVtkBinary);
-    }
     if (!options.hull.empty()) {
         write(options.hull, bObj             ? writeHullObj
                             : options.bAscii ? writeHullPlyAscii
                                              : writeHullPlyBinary);
     }
-    if (!options.medit.empty()) {
-        write(options.medit, writeMedit);
-    }
+    if (!options.medit.empty()) write(options.medit, writeMedit);
     if (!options.tetgen.empty()) {
         write(options.tetgen + ".node", writeTetgenNodes);
         write(options.tetgen + ".ele", writeTetgenElements);
@@ -203,9 +183,7 @@ void Program::writeIndexedMesh() {
             writeTetgenNeighbours(adjacency, file);
         });
     }
-    if (!options.duplicates.empty()) {
-        write(options.duplicates, writeDuplicates);
-    }
+    if (!options.duplicates.empty()) write(options.duplicates, writeDuplicates);
 }
 
 void Program::writeGeomview() {
@@ -218,9 +196,8 @@ void Program::writeGeomview() {
     char ending[2] = {};
     written.seekg(-2, std::ios::end);
     written.read(ending, 2);
-    if (file.isTemporary() && std::string(ending, 2) != "}\n") {
+    if (file.isTemporary() && std::string(ending, 2) != "}\n")
         throw InputError(options.geomview, "could not be written completely");
-    }
 }
 
 void Program::printSummary() const {
@@ -228,17 +205,12 @@ void Program::printSummary() const {
     std::printf("distinct vertices  %zu\n", numVertices);
     std::printf("tetrahedra         %zu\n", tets.size());
     std::printf("hull facets        %zu\n", numHullFacets);
-    if (!options.clipPlanes.empty()) {
-        std::printf("tetrahedra kept    %zu\n", numKept);
-    }
+    if (!options.clipPlanes.empty()) std::printf("tetrahedra kept    %zu\n", numKept);
     std::printf("time               %.4f s\n", seconds);
     std::printf("points a second    %.0f\n", static_cast<double>(numPoints) / seconds);
-    if (const std::uint64_t bytes = peakMemory()) {
+    if (const std::uint64_t bytes = peakMemory())
         std::printf("peak memory        %.1f MiB\n", static_cast<double>(bytes) / (1024 * 1024));
-    }
-    if (options.bCheck) {
-        std::printf("validity           %s\n", bValid ? "holds" : "VIOLATED");
-    }
+    if (options.bCheck) std::printf("validity           %s\n", bValid ? "holds" : "VIOLATED");
 }
 
 int run(int argc, const char* const* argv) {

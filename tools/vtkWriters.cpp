@@ -22,9 +22,7 @@ bool isUtf8(std::string_view text) {
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
         const bool bContinues = byte >= 0x80 && byte < 0xC0;
-        if (bContinues != (numExpected > 0) || byte > 0xF4) {
-            return false;
-        }
+        if (bContinues != (numExpected > 0) || byte > 0xF4) return false;
         const int numFollowing = byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
         numExpected = bContinues ? numExpected - 1 : numFollowing;
     }
@@ -45,9 +43,7 @@ std::vector<std::string> arrayNames(const IndexedMesh& mesh) {
                    (c >= 0x80 && !bUtf8);
         };
         std::replace_if(name.begin(), name.end(), isUnwanted, '_');
-        while (!taken.insert(name).second) {
-            name += '_';
-        }
+        while (!taken.insert(name).second) name += '_';
         names.push_back(name);
     }
     return names;
@@ -84,24 +80,20 @@ class LegacyWriter {
         file.write("CELLS " + std::to_string(numTets) + " " + std::to_string(5 * numTets) + "\n");
         for (const IndexedMesh::Tetrahedron& corners : mesh.tetrahedra) {
             number(std::int32_t{4}, " ");
-            for (std::size_t i = 0; i < 4; ++i) {
+            for (std::size_t i = 0; i < 4; ++i)
                 number(static_cast<std::int32_t>(corners[i]), i < 3 ? " " : "\n");
-            }
         }
         endArray();
         file.write("CELL_TYPES " + std::to_string(numTets) + "\n");
-        for (std::size_t i = 0; i < numTets; ++i) {
-            number(std::int32_t{vtkTetra}, "\n");
-        }
+        for (std::size_t i = 0; i < numTets; ++i) number(std::int32_t{vtkTetra}, "\n");
         endArray();
     }
 
     void writePointData() {
         file.write("POINT_DATA " + std::to_string(mesh.points.size()) + "\n");
         beginScalars("firstEqual", "int");
-        for (const std::uint32_t first : mesh.firstEqual) {
+        for (const std::uint32_t first : mesh.firstEqual)
             number(static_cast<std::int32_t>(first), "\n");
-        }
         endArray();
         const std::vector<std::string> names = arrayNames(mesh);
         for (std::size_t i = 0; i < names.size(); ++i) {
@@ -132,9 +124,7 @@ class LegacyWriter {
     }
 
     void endArray() {
-        if (!bText) {
-            file.write("\n");
-        }
+        if (!bText) file.write("\n");
     }
 
     const IndexedMesh& mesh;
@@ -156,9 +146,7 @@ class VtuWriter {
         file.write(R"(<Piece NumberOfPoints=")" + std::to_string(numPoints) +
                    R"(" NumberOfCells=")" + std::to_string(numTets) + "\">\n<PointData>\n");
         describe("firstEqual", "Int32", 4 * numPoints);
-        for (const std::string& name : arrayNames(mesh)) {
-            describe(name, "Float64", 8 * numPoints);
-        }
+        for (const std::string& name : arrayNames(mesh)) describe(name, "Float64", 8 * numPoints);
         file.write("</PointData>\n<Points>\n");
         describe(R"(Points" NumberOfComponents="3)", "Float64", 24 * numPoints);
         file.write("</Points>\n<Cells>\n");
@@ -183,14 +171,10 @@ class VtuWriter {
     /// In the order in which they are described.
     void writeArrays() {
         number(std::uint64_t{4 * numPoints});
-        for (const std::uint32_t first : mesh.firstEqual) {
-            number(first);
-        }
+        for (const std::uint32_t first : mesh.firstEqual) number(first);
         for (const Attribute& attribute : mesh.attributes) {
             number(std::uint64_t{8 * numPoints});
-            for (const double value : attribute.values) {
-                number(value);
-            }
+            for (const double value : attribute.values) number(value);
         }
         number(std::uint64_t{24 * numPoints});
         for (const Point3& point : mesh.points) {
@@ -203,19 +187,12 @@ class VtuWriter {
 
     void writeCellArrays() {
         number(std::uint64_t{16 * numTets});
-        for (const IndexedMesh::Tetrahedron& corners : mesh.tetrahedra) {
-            for (const std::uint32_t corner : corners) {
-                number(corner);
-            }
-        }
+        for (const IndexedMesh::Tetrahedron& corners : mesh.tetrahedra)
+            for (const std::uint32_t corner : corners) number(corner);
         number(std::uint64_t{8 * numTets});
-        for (std::uint64_t i = 1; i <= numTets; ++i) {
-            number(std::uint64_t{4 * i});
-        }
+        for (std::uint64_t i = 1; i <= numTets; ++i) number(std::uint64_t{4 * i});
         number(std::uint64_t{numTets});
-        for (std::uint64_t i = 0; i < numTets; ++i) {
-            number(vtkTetra);
-        }
+        for (std::uint64_t i = 0; i < numTets; ++i) number(vtkTetra);
     }
 
     template <class Number>

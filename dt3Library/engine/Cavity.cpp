@@ -156,8 +156,8 @@ bool Cavity::isInConflict(const Tet3* tet) const {
     return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
 }
 
-/// Inside, the region begins with the tetrahedron that holds the new vertex; outside, with what lies
-/// behind the hull facets that it sees.
+/// Inside, the region begins with the tetrahedron that holds the new vertex; outside, with what
+/// lies behind the hull facets that it sees.
 void Cavity::startRegion(const WalkEnd& place) {
     if (place.place == WalkEnd::Place::Inside) {
         engineCheck(isInConflict(place.tet), checks::START_IN_CONFLICT);

@@ -201,12 +201,11 @@ void MeshSearch::listConflicts(const Point3& point, std::vector<Tet3*>& region) 
         if (predicates.sphereInclusionTest(candidate, &point) == SIC_INSIDE)
             region.push_back(candidate);
     };
-    if (place.kind == LocationKind::Outside) {
+    if (place.kind == LocationKind::Outside)
         for (const VisibleHull::Facet& facet : hull.list(&point, place.tet, place.opp3))
             look(facet.tet);
-    } else {
+    else
         look(place.tet);
-    }
     for (; next < region.size(); ++next)
         for (int i = 0; i < 4; ++i) look(MeshAccess::neighbour(region[next], i));
 }
