@@ -57,7 +57,7 @@ struct HullEdge {
         opp3 = MeshAccess::indexOfNeighbour(next, tet);
         opp2 = 0;
         while (opp2 < 4 && MeshAccess::corner(next, opp2) != shared) ++opp2;
-        requireHull(opp2 < 4);
+        requireHull(opp2 < 4 && opp2 != opp3);
         tet = next;
     }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <iterator>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -41,31 +42,32 @@ class HullTurns {
     static constexpr std::size_t LONG_TURN = 32;
     static constexpr std::size_t FEW_TURNS = 1024;
 
-    /// Takes the edge to a tetrahedron, if that is one of the mesh with a hull facet at the edge.
-    static bool jump(const Ends& ends, Tet3* tet, HullEdge& edge) {
-        if (MeshAccess::visited(tet)) return false;
-        int beside[2] = {-1, -1};
+    /// The edge between the ends at a tetrahedron's hull facet; nothing if that has none there, or
+    /// is no longer in the mesh.
+    static std::optional<HullEdge> findEnd(const Ends& ends, Tet3* tet) {
+        if (MeshAccess::visited(tet)) return std::nullopt;
+        int beside[4];
         int numBeside = 0;
         for (int i = 0; i < 4; ++i) {
             const Point3* corner = MeshAccess::corner(tet, i);
-            if (corner == ends.first || corner == ends.second) continue;
-            if (numBeside == 2) return false;
-            beside[numBeside++] = i;
+            if (corner != ends.first && corner != ends.second) beside[numBeside++] = i;
         }
-        const bool bFirst = MeshAccess::neighbour(tet, beside[0]) == nullptr;
-        edge = {tet, beside[bFirst ? 1 : 0], beside[bFirst ? 0 : 1]};
-        return edge.isAtHull();
+        if (numBeside != 2) return std::nullopt;
+        for (int i = 0; i < 2; ++i) {
+            const HullEdge edge{tet, beside[1 - i], beside[i]};
+            if (edge.isAtHull()) return edge;
+        }
+        return std::nullopt;
     }
 
     bool isRemembered(HullEdge& edge) {
         if (lastTets.empty()) return false;
         const auto found = lastTets.find(edge.ends());
-        if (found == lastTets.end()) return false;
         // The tetrahedron to begin with has the hull facet to be left, which is not the end.
-        HullEdge end = edge;
-        if (found->second == edge.tet || !jump(found->first, found->second, end)) return false;
-        edge = end;
-        return true;
+        if (found == lastTets.end() || found->second == edge.tet) return false;
+        const auto end = findEnd(found->first, found->second);
+        if (end) edge = *end;
+        return end.has_value();
     }
 
     void remember(const HullEdge& edge) {
@@ -75,9 +77,8 @@ class HullTurns {
 
     /// Keeps what is remembered within twice what is of use.
     void forgetOldTurns() {
-        HullEdge end{};
         for (auto turn = lastTets.begin(); turn != lastTets.end();)
-            turn = jump(turn->first, turn->second, end) ? std::next(turn) : lastTets.erase(turn);
+            turn = findEnd(turn->first, turn->second) ? std::next(turn) : lastTets.erase(turn);
         maxTurns = FEW_TURNS + 2 * lastTets.size();
     }
 

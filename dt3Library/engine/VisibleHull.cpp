@@ -4,6 +4,7 @@ namespace VARN3D {
 
 const std::vector<VisibleHull::Facet>& VisibleHull::list(const Point3* point, Tet3* start,
                                                          int facet) {
+    VARN3D_TIME(secondsHull);
     visible.assign(1, {start, facet, -1});
     seen.clear();
     seen.insert(start, MeshAccess::corner(start, facet));
