@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <iterator>
-#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -28,7 +27,7 @@ class HullTurns {
     }
 
     /// To be called when tetrahedra's records have gone.
-    void forgetAll() { lastTets.clear(); }
+    void forgetAll() { lastTurns.clear(); }
 
   private:
     using Ends = std::pair<const Point3*, const Point3*>;
@@ -42,47 +41,34 @@ class HullTurns {
     static constexpr std::size_t LONG_TURN = 32;
     static constexpr std::size_t FEW_TURNS = 1024;
 
-    /// The edge between the ends at a tetrahedron's hull facet; nothing if that has none there, or
-    /// is no longer in the mesh.
-    static std::optional<HullEdge> findEnd(const Ends& ends, Tet3* tet) {
-        if (MeshAccess::visited(tet)) return std::nullopt;
-        int beside[4];
-        int numBeside = 0;
-        for (int i = 0; i < 4; ++i) {
-            const Point3* corner = MeshAccess::corner(tet, i);
-            if (corner != ends.first && corner != ends.second) beside[numBeside++] = i;
-        }
-        if (numBeside != 2) return std::nullopt;
-        for (int i = 0; i < 2; ++i) {
-            const HullEdge edge{tet, beside[1 - i], beside[i]};
-            if (edge.isAtHull()) return edge;
-        }
-        return std::nullopt;
+    /// Whether an edge still has these ends, and is at the hull.
+    static bool isEnd(const HullEdge& edge, const Ends& ends) {
+        return !MeshAccess::visited(edge.tet) && edge.ends() == ends && edge.isAtHull();
     }
 
     bool isRemembered(HullEdge& edge) {
-        if (lastTets.empty()) return false;
-        const auto found = lastTets.find(edge.ends());
+        if (lastTurns.empty()) return false;
+        const auto found = lastTurns.find(edge.ends());
+        if (found == lastTurns.end() || !isEnd(found->second, found->first)) return false;
         // The tetrahedron to begin with has the hull facet to be left, which is not the end.
-        if (found == lastTets.end() || found->second == edge.tet) return false;
-        const auto end = findEnd(found->first, found->second);
-        if (end) edge = *end;
-        return end.has_value();
+        if (found->second.tet == edge.tet) return false;
+        edge = found->second;
+        return true;
     }
 
     void remember(const HullEdge& edge) {
-        if (lastTets.size() >= maxTurns) forgetOldTurns();
-        lastTets[edge.ends()] = edge.tet;
+        if (lastTurns.size() >= maxTurns) forgetOldTurns();
+        lastTurns[edge.ends()] = edge;
     }
 
     /// Keeps what is remembered within twice what is of use.
     void forgetOldTurns() {
-        for (auto turn = lastTets.begin(); turn != lastTets.end();)
-            turn = findEnd(turn->first, turn->second) ? std::next(turn) : lastTets.erase(turn);
-        maxTurns = FEW_TURNS + 2 * lastTets.size();
+        for (auto turn = lastTurns.begin(); turn != lastTurns.end();)
+            turn = isEnd(turn->second, turn->first) ? std::next(turn) : lastTurns.erase(turn);
+        maxTurns = FEW_TURNS + 2 * lastTurns.size();
     }
 
-    std::unordered_map<Ends, Tet3*, HashOfEnds> lastTets;
+    std::unordered_map<Ends, HullEdge, HashOfEnds> lastTurns;
     std::size_t maxTurns = FEW_TURNS;
 };
 
