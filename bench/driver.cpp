@@ -54,7 +54,7 @@ void print(const Report& report, std::size_t points) {
     std::printf(
         "{\"engine\": \"%s\", \"points\": %zu, \"seconds\": %.9f, \"cpuSeconds\": %.9f, "
         "\"listTetrahedra\": %.9f, \"listVertices\": %.9f, \"indexedMesh\": %.9f, ",
-        engineName, points, report.seconds, report.cpuSeconds, report.listTetrahedra,
+        ENGINE_NAME, points, report.seconds, report.cpuSeconds, report.listTetrahedra,
         report.listVertices, report.indexedMesh);
     print("locate", report.locate);
     print("locateOn", report.locateOn);

@@ -126,7 +126,7 @@ inline double squaredDistance(const Position& a, const Position& b) {
 }
 
 /// The engine's name, and its part of the work; each driver program defines both.
-extern const char* const engineName;
+extern const char* const ENGINE_NAME;
 void triangulate(Job& job, Report& report);
 
 }  // namespace bench

@@ -91,7 +91,7 @@ void run(Job& job, Report& report) {
 
 }  // namespace
 
-const char* const engineName = BENCH_ENGINE_NAME;
+const char* const ENGINE_NAME = BENCH_ENGINE_NAME;
 
 void triangulate(Job& job, Report& report) {
     if (job.batches == 0 || !job.queries.empty())

@@ -6,7 +6,7 @@ extern "C" {
 
 namespace bench {
 
-const char* const engineName = "qhull";
+const char* const ENGINE_NAME = "qhull";
 
 void triangulate(Job& job, Report& report) {
     if (job.batches != 1) return report.reject("takes one batch only");

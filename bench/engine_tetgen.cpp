@@ -4,7 +4,7 @@
 
 namespace bench {
 
-const char* const engineName = "tetgen";
+const char* const ENGINE_NAME = "tetgen";
 
 void triangulate(Job& job, Report& report) {
     if (job.batches != 1) return report.reject("takes one batch only");

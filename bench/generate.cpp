@@ -31,7 +31,7 @@ class Random {
     double uniform() { return static_cast<double>(engine() >> 11) * 0x1p-53; }
     double normal() {
         const double radius = std::sqrt(-2.0 * std::log(1.0 - uniform()));
-        return radius * std::cos(2.0 * pi * uniform());
+        return radius * std::cos(2.0 * PI * uniform());
     }
     Position uniformPosition() { return {uniform(), uniform(), uniform()}; }
     Position normalPosition() { return {normal(), normal(), normal()}; }
@@ -40,7 +40,7 @@ class Random {
         for (std::size_t i = points.size(); i > 1; --i) std::swap(points[i - 1], points[below(i)]);
     }
 
-    static constexpr double pi = 3.14159265358979323846;
+    static constexpr double PI = 3.14159265358979323846;
 
   private:
     std::mt19937_64 engine;
@@ -197,7 +197,7 @@ Points helix(const Arguments& arguments, Random& random) {
     const std::size_t axis = arguments.axis(1);
     return repeated(arguments.count(0), [&] {
         const double turns = arguments.number(2) * random.uniform();
-        const double angle = 2.0 * Random::pi * turns;
+        const double angle = 2.0 * Random::PI * turns;
         Position p = scaled(random.normalPosition(), arguments.number(3));
         p[axis] += turns;
         p[(axis + 1) % 3] += std::cos(angle);
@@ -279,7 +279,7 @@ Points textFile(const Arguments& arguments, Random&) {
 
 using Shape = Points (*)(const Arguments&, Random&);
 
-const std::map<std::string, Shape> shapes = {
+const std::map<std::string, Shape> SHAPES = {
     {"cube", cube},
     {"placed_cube", placedCube},
     {"placed_cube_on_curve", placedCubeOnCurve},
@@ -313,8 +313,8 @@ void write(const Points& points, const std::string& path) {
 
 int main(int argc, char** argv) {
     try {
-        const auto shape = argc < 4 ? shapes.end() : shapes.find(argv[1]);
-        if (shape == shapes.end())
+        const auto shape = argc < 4 ? SHAPES.end() : SHAPES.find(argv[1]);
+        if (shape == SHAPES.end())
             throw std::runtime_error("usage: SHAPE FILE SEED [PARAMETER]...");
         Random random(std::strtoull(argv[3], nullptr, 10));
         write(shape->second({{argv + 4, argv + argc}}, random), argv[2]);

@@ -208,17 +208,17 @@ void Dt3::triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet) {
 Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     engineCheck(!MeshAccess::visited(pCurTet), checks::WALK_STARTS_IN_MESH);
     const WalkEnd place = locator.locate(pVtx, pCurTet);
-    engineCheck(place.place != WalkEnd::Place::OnTheWay, checks::WALK_ENDS);
+    engineCheck(place.place != WalkEnd::Place::ON_THE_WAY, checks::WALK_ENDS);
     VARN3D_COUNT(insertions, 1);
     pRecentTet = insertAt(place, pVtx);
-    if (place.place != WalkEnd::Place::AtVertex) ++numInMesh;
+    if (place.place != WalkEnd::Place::AT_VERTEX) ++numInMesh;
     return pRecentTet;
 }
 
 /// Inserts a vertex where it has been found to lie. One that equals a vertex of the mesh is
 /// replaced by that.
 Tet3* Dt3::insertAt(const WalkEnd& place, Point3*& pVtx) {
-    if (place.place == WalkEnd::Place::AtVertex) {
+    if (place.place == WalkEnd::Place::AT_VERTEX) {
         pVtx = MeshAccess::corner(place.tet, place.index);
         return place.tet;
     }
@@ -259,7 +259,8 @@ Tet3* Dt3::locate(const Point3& point) {
     if (!bFullDimensional) return nullptr;
     const Point3 p(point);
     const WalkEnd end = locator.locate(&p, startTetNear(p));
-    const bool bHeld = end.place == WalkEnd::Place::Inside || end.place == WalkEnd::Place::AtVertex;
+    const bool bHeld =
+        end.place == WalkEnd::Place::INSIDE || end.place == WalkEnd::Place::AT_VERTEX;
     return bHeld ? end.tet : nullptr;
 }
 

@@ -30,17 +30,17 @@ struct Decision {
 template <class Predicate>
 Decision decideByIntegers(const Points<Predicate>& points) {
     Verdict verdict = decideByIntegers<Predicate, 1>(points);
-    if (verdict.bCertain) return {verdict.sign, PredicateStage::SmallInteger};
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::SMALL_INTEGER};
     verdict = decideByIntegers<Predicate, 2>(points);
-    if (verdict.bCertain) return {verdict.sign, PredicateStage::MediumInteger};
-    return {signByWideIntegers(points), PredicateStage::WideInteger};
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::MEDIUM_INTEGER};
+    return {signByWideIntegers(points), PredicateStage::WIDE_INTEGER};
 }
 
 /// What the filter leaves.
 template <class Predicate>
 Decision decideExactly(const Points<Predicate>& points, const Estimate& estimate) {
     const Verdict verdict = decideOnLattice(points, estimate);
-    if (verdict.bCertain) return {verdict.sign, PredicateStage::Lattice};
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::LATTICE};
     return decideByIntegers(points);
 }
 
@@ -48,7 +48,7 @@ template <class Predicate>
 inline Decision decide(const Points<Predicate>& points, double errorBound) {
     const Estimate estimate = estimateOf(points);
     const Verdict verdict = decideByFilter(estimate, errorBound);
-    if (verdict.bCertain) return {verdict.sign, PredicateStage::Filter};
+    if (verdict.bCertain) return {verdict.sign, PredicateStage::FILTER};
     return decideExactly(points, estimate);
 }
 

@@ -6,17 +6,17 @@ namespace VARN3D {
 
 /// The smallest element of the mesh on which a point lies.
 enum class LocationKind {
-    Outside,   ///< strictly outside the convex hull
-    Inside,    ///< strictly inside a tetrahedron
-    OnFacet,   ///< on a facet, not on an edge
-    OnEdge,    ///< on an edge, not at an end
-    AtVertex,  ///< at a vertex
+    OUTSIDE,    ///< strictly outside the convex hull
+    INSIDE,     ///< strictly inside a tetrahedron
+    ON_FACET,   ///< on a facet, not on an edge
+    ON_EDGE,    ///< on an edge, not at an end
+    AT_VERTEX,  ///< at a vertex
 };
 
 /// Where a point lies in the mesh; the convex hull's surface belongs to the mesh. Owns nothing, and
 /// means nothing any more after the next insertion. A plain value.
 struct Location {
-    LocationKind kind = LocationKind::Outside;
+    LocationKind kind = LocationKind::OUTSIDE;
     /// A tetrahedron that holds the point; outside, one with a hull facet that the point lies
     /// strictly beyond, or null while there are no tetrahedra.
     Tet3* tet = nullptr;

@@ -168,7 +168,7 @@ int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const {
     };
     for (int i = 0; i < 3; ++i)
         if (!isOnFacet(aVertexPointer[i])) return i;
-    static const char* const CONDITIONS[4] = {
+    static constexpr const char* CONDITIONS[4] = {
         "pd!=p1 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p1 && pd!=p3",
         "pd!=p0 && pd!=p1 && pd!=p2"};
     varnAssertText(!isOnFacet(aVertexPointer[3]), CONDITIONS[ith]);

@@ -46,7 +46,7 @@ std::vector<Triangle> alphaShape(const Varn_3D& mesh, double alpha) {
         const Vector3 radius = tet->getCircumcenter() - *tet->getCorner(0);
         isInside.push_back(squaredLength(radius) <= alpha * alpha);
     }
-    static const std::size_t FACETS[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
+    static constexpr std::size_t FACETS[4][3] = {{1, 2, 3}, {0, 3, 2}, {0, 1, 3}, {0, 2, 1}};
     std::vector<Triangle> shape;
     for (std::size_t t = 0; t < tets.size(); ++t) {
         for (std::size_t i = 0; i < 4 && isInside[t]; ++i) {

@@ -45,8 +45,8 @@ Point3 circumcenter(const Point3& p, const Point3* const (&corners)[3]) {
 // The weights of p's neighbours. At a vertex that vertex alone; none outside the hull or on it.
 std::map<const Point3*, double> weightsAt(PointLocator& locator, const Point3& p) {
     const Location place = locator.locate(p);
-    if (place.kind == LocationKind::AtVertex) return {{place.vertex, 1.0}};
-    if (place.kind == LocationKind::Outside) return {};
+    if (place.kind == LocationKind::AT_VERTEX) return {{place.vertex, 1.0}};
+    if (place.kind == LocationKind::OUTSIDE) return {};
     std::vector<Tet3*> region;
     locator.conflictRegion(p, region);
     const std::set<Tet3*> inRegion(region.begin(), region.end());

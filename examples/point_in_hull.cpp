@@ -28,7 +28,7 @@ int countInside(const Varn_3D& mesh, int firstLayer, int lastLayer) {
             for (int z = 0; z < SIDE; ++z) {
                 const Location place =
                     locator.locate({coordinate(x), coordinate(y), coordinate(z)});
-                count += place.kind == LocationKind::Outside ? 0 : 1;
+                count += place.kind == LocationKind::OUTSIDE ? 0 : 1;
             }
     return count;
 }

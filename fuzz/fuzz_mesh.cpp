@@ -1,6 +1,8 @@
 // Maps bytes to operations on an engine, with points on a small lattice so that degeneracy is the
-// rule, and compares the mesh with the exact oracle after every insertion.
+// rule, and compares the mesh with the exact oracle after every insertion, and the answers to
+// queries with a look at everything.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -50,31 +52,63 @@ bool holds(const Tet3* tet, const Point3& p) {
     std::abort();
 }
 
+bool isInConflict(const Tet3* tet, const Point3& p) {
+    return support::exactInSphere(*tet->getCorner(0), *tet->getCorner(1), *tet->getCorner(2),
+                                  *tet->getCorner(3), p) > 0;
+}
+
+/// Compares answers about a place with a look at everything. The locator has seen the mesh change.
+void checkQueries(VARN3D::Varn_3D& mesh, VARN3D::PointLocator& locator,
+                  const std::vector<Point3*>& handles, const Point3& p) {
+    std::vector<Tet3*> tets;
+    if (mesh.is3D()) mesh.getTetrahedra(tets);
+    const Tet3* tet = mesh.locate(p);
+    if (tet != nullptr && !holds(tet, p)) stop("located in the wrong tetrahedron");
+    const VARN3D::Location place = locator.locate(p);
+    const bool bOutside = place.kind == VARN3D::LocationKind::Outside;
+    if (bOutside ? std::any_of(tets.begin(), tets.end(), [&](Tet3* t) { return holds(t, p); })
+                 : !holds(place.tet, p))
+        stop("a locator is in the wrong place");
+    // The first of the nearest points has the lowest number.
+    const auto nearest = std::min_element(handles.begin(), handles.end(), [&](auto* a, auto* b) {
+        return support::exactDistanceOrder(*a, *b, p) < 0;
+    });
+    if (locator.nearestVertex(p) != (handles.empty() ? nullptr : *nearest))
+        stop("another vertex is nearest");
+    std::vector<Tet3*> region;
+    locator.conflictRegion(p, region);
+    if (place.kind == VARN3D::LocationKind::AtVertex) tets.clear();
+    const auto isSafe = [&](Tet3* t) { return !isInConflict(t, p); };
+    tets.erase(std::remove_if(tets.begin(), tets.end(), isSafe), tets.end());
+    std::sort(region.begin(), region.end());
+    std::sort(tets.begin(), tets.end());
+    if (region != tets) stop("another conflict region");
+}
+
 void run(Bytes bytes) {
     constexpr std::size_t MAX_POINTS = 60;
     VARN3D::Varn_3D mesh;
+    VARN3D::PointLocator locator(mesh);
     std::vector<Point3> points;
     std::vector<Point3*> handles;
-    std::size_t numPending = 0;
+    bool bMayWait = false;
     const unsigned side = 2 + bytes.take() % 6;
     while (!bytes.isEmpty() && points.size() < MAX_POINTS) {
         const unsigned operation = bytes.take();
         if (operation % 4 == 0) {
-            const Point3 query = takePoint(bytes, side);
-            const Tet3* tet = mesh.locate(query);
-            if (tet != nullptr && !holds(tet, query)) stop("located in the wrong tetrahedron");
+            checkQueries(mesh, locator, handles, takePoint(bytes, side));
             continue;
         }
-        if (operation % 4 == 1) {
+        if (operation % 32 == 1) {
+            const std::size_t numWaiting = mesh.getNumWaiting();
+            const std::size_t numTaken = mesh.insertWaiting();
+            if (numTaken != (mesh.is3D() ? numWaiting : 0)) stop("others were taken in");
+            bMayWait = false;
+        } else if (operation % 4 == 1) {
             const bool bWas3D = mesh.is3D();
-            Point3 p = takePoint(bytes, side);
-            points.push_back(p);
-            handles.push_back(mesh.insert(p));
-            if (!bWas3D && mesh.is3D()) {
-                std::vector<Point3*> vertices;
-                mesh.getVertices(vertices);
-                numPending = vertices.size() - 4;
-            }
+            points.push_back(takePoint(bytes, side));
+            handles.push_back(mesh.insert(points.back()));
+            bMayWait = bMayWait || (!bWas3D && mesh.is3D());
         } else {
             std::vector<Point3> batch;
             for (unsigned n = operation / 4 % 16; n > 0; --n)
@@ -84,9 +118,9 @@ void run(Bytes bytes) {
             points.insert(points.end(), batch.begin(), batch.end());
             handles.insert(handles.end(), batchHandles.begin(), batchHandles.end());
         }
-        // Waiting vertices leave holes that the oracle would take for faults, unless it is a
-        // matter of counting them; a point inserted anew does not wait any longer.
-        if (numPending > 0) {
+        // Waiting vertices leave holes that the oracle would take for faults.
+        if (mesh.is3D() && mesh.getNumWaiting() > 0) {
+            if (!bMayWait) stop("vertices wait");
             if (!mesh.checkValidity("fuzz", true)) stop("invalid mesh");
             continue;
         }

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "InputError.h"
-#include "PointFile.h"
+#include "tools/InputError.h"
+#include "tools/PointFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view content(reinterpret_cast<const char*>(data), size);

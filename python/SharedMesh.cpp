@@ -122,7 +122,7 @@ void SharedMesh::findTetrahedra(const double* xyz, std::size_t numQueries, std::
     forEach(numQueries, poll, [&](std::size_t i) {
         const Location location = locator->locate(pointAt(xyz, i));
         tetrahedra[i] =
-            location.kind == LocationKind::Outside ? -1 : location.tet->getCustomIndex();
+            location.kind == LocationKind::OUTSIDE ? -1 : location.tet->getCustomIndex();
     });
 }
 
@@ -147,7 +147,7 @@ void SharedMesh::interpolate(const double* values, std::size_t numValues, std::s
         const Point3 point = pointAt(xyz, i);
         double* result = results + i * numColumns;
         const Location location = locator->locate(point);
-        if (location.kind == LocationKind::Outside)
+        if (location.kind == LocationKind::OUTSIDE)
             std::fill_n(result, numColumns, std::numeric_limits<double>::quiet_NaN());
         else
             interpolateIn(*location.tet, point, values, numColumns, result);

@@ -21,4 +21,4 @@ printf '%s\n' "$@" | xargs -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet \
 echo "cppcheck: $# files"
 cppcheck --std=c++17 --language=c++ --enable=warning,performance,portability --inline-suppr \
     --suppress=missingIncludeSystem --suppressions-list=.cppcheck-suppressions --quiet \
-    --error-exitcode=1 -j "$(nproc)" -I . -I tools -D__SSE2__ "$@"
+    --error-exitcode=1 -j "$(nproc)" -I . -D__SSE2__ "$@"

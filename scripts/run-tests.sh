@@ -1,6 +1,7 @@
 #!/bin/sh
 # run-tests.sh                    builds everything and runs all tests: the preset release
-# run-tests.sh quick              the quick set: that, format and layers
+# run-tests.sh quick              the quick set: that, format, layers, and the size of functions and of
+#                                 the tests
 # run-tests.sh all                the full set, everything that must hold
 # run-tests.sh all MINUTES        the same, but no step begins later than that
 # run-tests.sh PRESET...          builds and runs all tests of these presets of CMakePresets.json
@@ -20,6 +21,8 @@ quick_set() {
     cat <<'END'
 scripts/check-format.sh
 scripts/check-layers.py
+scripts/check-lengths.py
+scripts/test-share.py
 scripts/run-tests.sh release
 END
 }

@@ -67,7 +67,7 @@ Points lastBits(std::size_t n) {
     });
 }
 
-enum class Mode { Batch, Singles, FarBatches };
+enum class Mode { BATCH, SINGLES, FAR_BATCHES };
 
 /// What a batch may do: looks that cached spheres leave open, and tests that go on to integers
 /// since no determinant in doubles can tell, for each tetrahedron that it creates; tetrahedra that
@@ -80,7 +80,7 @@ struct Case {
     const char* name;
     Points (*make)();
     Limits limits = {};
-    Mode mode = Mode::Batch;
+    Mode mode = Mode::BATCH;
     friend void PrintTo(const Case& set, std::ostream* out) { *out << set.name; }
 };
 
@@ -129,22 +129,22 @@ const Case CASES[] = {
     {"farBatches",
      [] { return support::uniform(scaled(5000), 1); },
      {0.2, 0.001, 12},
-     Mode::FarBatches},
-    {"rodXSingles", [] { return box(scaled(5000), 1, 1e-3, 1e-3); }, {}, Mode::Singles},
-    {"rodYSingles", [] { return box(scaled(5000), 1e-3, 1, 1e-3); }, {}, Mode::Singles},
-    {"gridSortedSingles", [] { return support::grid(12, 12, 12); }, {}, Mode::Singles},
+     Mode::FAR_BATCHES},
+    {"rodXSingles", [] { return box(scaled(5000), 1, 1e-3, 1e-3); }, {}, Mode::SINGLES},
+    {"rodYSingles", [] { return box(scaled(5000), 1e-3, 1, 1e-3); }, {}, Mode::SINGLES},
+    {"gridSortedSingles", [] { return support::grid(12, 12, 12); }, {}, Mode::SINGLES},
     {"outlierSingles",
      [] { return Points{Point3(1e9, 0, -1e9)} + support::uniform(scaled(5000), 1); },
      {},
-     Mode::Singles},
-    {"momentSingles", [] { return support::momentCurve(300); }, {}, Mode::Singles},
+     Mode::SINGLES},
+    {"momentSingles", [] { return support::momentCurve(300); }, {}, Mode::SINGLES},
 };
 
 void insertAll(Varn_3D& mesh, Points points, Mode mode) {
-    if (mode == Mode::Batch) mesh.insert(points);
-    if (mode == Mode::Singles)
+    if (mode == Mode::BATCH) mesh.insert(points);
+    if (mode == Mode::SINGLES)
         for (Point3& p : points) mesh.insert(p);
-    if (mode == Mode::FarBatches) {
+    if (mode == Mode::FAR_BATCHES) {
         for (int i = 0; i < 6; ++i) {
             mesh.insert(points);
             for (Point3& p : points) p.exchange(p.x() * 10 - 1000 * i, p.y() + 100, p.z() * 3);
@@ -156,7 +156,7 @@ void insertAll(Varn_3D& mesh, Points points, Mode mode) {
 std::uint64_t numByIntegers() {
     const VARN3D::PredicateCounters& counters = VARN3D::predicateCounters();
     std::uint64_t number = 0;
-    for (auto stage = static_cast<int>(VARN3D::PredicateStage::SmallInteger);
+    for (auto stage = static_cast<int>(VARN3D::PredicateStage::SMALL_INTEGER);
          stage < VARN3D::NUM_PREDICATE_STAGES; ++stage)
         number += counters.sphere[stage] + counters.orientation[stage];
     return number;

@@ -39,15 +39,15 @@ PredicateCounters countStages(const char* name) {
         scratchTet().setProperties(&a, &b, &c, &d);
         predicates.sphereInclusionTest(&scratchTet(), &e);
     }
-    EXPECT_EQ(shareUpTo(PredicateStage::WideInteger, predicateCounters().orientation), 1.0);
-    EXPECT_EQ(shareUpTo(PredicateStage::WideInteger, predicateCounters().sphere), 1.0);
+    EXPECT_EQ(shareUpTo(PredicateStage::WIDE_INTEGER, predicateCounters().orientation), 1.0);
+    EXPECT_EQ(shareUpTo(PredicateStage::WIDE_INTEGER, predicateCounters().sphere), 1.0);
     return predicateCounters();
 }
 
-constexpr PredicateStage FILTER = PredicateStage::Filter;
-constexpr PredicateStage LATTICE = PredicateStage::Lattice;
-constexpr PredicateStage SMALL = PredicateStage::SmallInteger;
-constexpr PredicateStage MEDIUM = PredicateStage::MediumInteger;
+constexpr PredicateStage FILTER = PredicateStage::FILTER;
+constexpr PredicateStage LATTICE = PredicateStage::LATTICE;
+constexpr PredicateStage SMALL = PredicateStage::SMALL_INTEGER;
+constexpr PredicateStage MEDIUM = PredicateStage::MEDIUM_INTEGER;
 
 }  // namespace
 

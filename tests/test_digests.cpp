@@ -4,10 +4,10 @@
 
 #include "dt3Library/Tet3.h"
 #include "dt3Library/Varn_3D.h"
-#include "support/CaptureOutput.h"
-#include "support/MeshDigest.h"
-#include "support/PointSets.h"
-#include "support/Scenarios.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
+#include "tests/support/Scenarios.h"
 
 // The numbers below were confirmed by a second engine, as simple as can be, that inserted the same
 // points one by one in the same order: a change that alters one of them alters what hosts see.

@@ -17,10 +17,10 @@
 #include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/engine/Cavity.h"
-#include "support/CaptureOutput.h"
-#include "support/MeshDigest.h"
-#include "support/MeshOracle.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/MeshOracle.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

@@ -14,9 +14,9 @@
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/engine/Cavity.h"
 #include "dt3Library/kernel/MeshLoader.h"
-#include "support/CaptureOutput.h"
-#include "support/MeshDigest.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

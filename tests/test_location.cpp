@@ -8,9 +8,9 @@
 #include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/engine/Locator.h"
-#include "support/CaptureOutput.h"
-#include "support/LatticeExact.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/LatticeExact.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 
@@ -53,24 +53,24 @@ Place findPlace(const std::vector<Tet3*>& tets, const Point3& p) {
 void expectLocated(Place place, const Point3& p, const WalkEnd& end) {
     switch (place) {
         case VERTEX:
-            EXPECT_EQ(end.place, WalkEnd::Place::AtVertex);
+            EXPECT_EQ(end.place, WalkEnd::Place::AT_VERTEX);
             EXPECT_EQ(*end.tet->getCorner(end.index), p);
             break;
         case OUTSIDE:
         case SURFACE:
-            EXPECT_EQ(end.place, WalkEnd::Place::AtHull);
+            EXPECT_EQ(end.place, WalkEnd::Place::AT_HULL);
             EXPECT_EQ(end.tet->getOppTet(end.index), nullptr);
             EXPECT_EQ(side(end.tet, end.index, p), place == OUTSIDE ? -1 : 0);
             EXPECT_EQ(contains(end.tet, p), place == SURFACE);
             break;
         default:
-            EXPECT_EQ(end.place, WalkEnd::Place::Inside);
+            EXPECT_EQ(end.place, WalkEnd::Place::INSIDE);
             EXPECT_TRUE(contains(end.tet, p));
     }
 }
 
-const GeomTest3 predicates;
-const Locator locator(predicates);
+const GeomTest3 PREDICATES;
+const Locator LOCATOR(PREDICATES);
 
 TEST(Location, LatticeQueriesFromEveryTetrahedron) {
     std::map<Place, int> counts;
@@ -84,7 +84,7 @@ TEST(Location, LatticeQueriesFromEveryTetrahedron) {
             const Point3 p(half.x() / 2 - 0.5, half.y() / 2 - 0.5, half.z() / 2 - 0.5);
             const Place place = findPlace(tets, p);
             ++counts[place];
-            for (Tet3* tet : tets) expectLocated(place, p, locator.locate(&p, tet));
+            for (Tet3* tet : tets) expectLocated(place, p, LOCATOR.locate(&p, tet));
             const Tet3* located = engine.locate(p);
             ASSERT_EQ(located != nullptr, place != OUTSIDE && place != SURFACE);
             EXPECT_TRUE(located == nullptr || contains(located, p));
@@ -121,9 +121,9 @@ TEST(Location, TheWatchdogStopsAWalkWithoutEnd) {
          {Point3(99, 99, 1), Point3(-99, -99, 0), Point3(-99, 9, 0), Point3(9, -99, 0)}) {
         if (!leavesBoth(p)) continue;
         ++numQueries;
-        WalkEnd end{WalkEnd::Place::Inside, nullptr};
-        EXPECT_EQ(outputOf([&] { end = locator.locate(&p, tets[0]); }), "watchDog: bad point\n");
-        EXPECT_EQ(end.place, WalkEnd::Place::OnTheWay);
+        WalkEnd end{WalkEnd::Place::INSIDE, nullptr};
+        EXPECT_EQ(outputOf([&] { end = LOCATOR.locate(&p, tets[0]); }), "watchDog: bad point\n");
+        EXPECT_EQ(end.place, WalkEnd::Place::ON_THE_WAY);
         EXPECT_EQ(outputOf([&] { EXPECT_EQ(engine.locate(p), nullptr); }), "watchDog: bad point\n");
         EXPECT_THAT(outputOf([&] { EXPECT_THROW(engine.insert(p), VarnException); }),
                     testing::EndsWith("Condition [ locateResult!=-99 failed ]\n\n"
@@ -137,7 +137,7 @@ TEST(Location, WithoutStartTheProcessEnds) {
     EXPECT_DEATH(
         {
             exchangeMessageStream(&std::cerr);
-            locator.locate(&p, nullptr);
+            LOCATOR.locate(&p, nullptr);
         },
         "goToHell, ERROR:  reason: locateConflictTet");
 }

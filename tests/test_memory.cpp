@@ -90,7 +90,7 @@ using VARN3D::Varn_3D;
 
 /// What an insertion that fails may change: nothing at all, what is stored, or also the mesh, by
 /// some of its points.
-enum class Changes { Nothing, Store, Mesh };
+enum class Changes { NOTHING, STORE, MESH };
 
 struct Insertion {
     Points points;
@@ -101,17 +101,17 @@ using Insertions = std::vector<Insertion>;
 
 Insertions singles(const Points& points) {
     Insertions insertions;
-    for (const Point3& p : points) insertions.push_back({{p}, true, Changes::Store});
+    for (const Point3& p : points) insertions.push_back({{p}, true, Changes::STORE});
     return insertions;
 }
 
 /// A batch that is small against the mesh.
 Insertions pointByPoint(const Points& points) {
-    return {{points, false, Changes::Mesh}};
+    return {{points, false, Changes::MESH}};
 }
 
 Insertions atOnce(const Points& points) {
-    return {{points, false, Changes::Nothing}};
+    return {{points, false, Changes::NOTHING}};
 }
 
 using support::operator+;
@@ -280,8 +280,8 @@ class OutOfMemory : public testing::TestWithParam<Case> {
             const View before(*triangulation);
             if (fails(untilFailure, [&] { insert(*triangulation, insertion, found); })) {
                 const View after(*triangulation);
-                EXPECT_TRUE(insertion.changes == Changes::Mesh || after.tets == before.tets) << n;
-                EXPECT_TRUE(insertion.changes != Changes::Nothing ||
+                EXPECT_TRUE(insertion.changes == Changes::MESH || after.tets == before.tets) << n;
+                EXPECT_TRUE(insertion.changes != Changes::NOTHING ||
                             (after == before && found.empty()))
                     << n;
                 EXPECT_TRUE(triangulation->checkValidity("interrupted", true)) << n;

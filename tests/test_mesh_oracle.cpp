@@ -4,11 +4,11 @@
 #include <set>
 
 #include "dt3Library/Varn_3D.h"
-#include "support/CaptureOutput.h"
-#include "support/DigestInputs.h"
-#include "support/MeshDigest.h"
-#include "support/MeshOracle.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/DigestInputs.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/MeshOracle.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 
@@ -100,8 +100,8 @@ const NamedMode MODES[] = {
 };
 
 class MeshOracle : public testing::TestWithParam<NamedMode> {};
-const auto nameOfMode = [](const auto& mode) { return mode.param.name; };
-INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES), nameOfMode);
+const auto NAME_OF_MODE = [](const auto& mode) { return mode.param.name; };
+INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES), NAME_OF_MODE);
 
 TEST_P(MeshOracle, SmallLattices) {
     for (std::uint64_t seed = 0; seed < 40; ++seed) {

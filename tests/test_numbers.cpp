@@ -9,10 +9,10 @@
 
 #include "dt3Library/Varn_3D.h"
 #include "dt3Library/store/PointNumbers.h"
-#include "support/CaptureOutput.h"
-#include "support/Exact.h"
-#include "support/MeshDigest.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/Exact.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

@@ -66,20 +66,20 @@ std::string lackOfMemory(const std::string& message) {
 
 template <>
 struct VARN3D::SimplePoolTraits<Steady> {
-    static constexpr std::int32_t initialSize = 8;
-    static constexpr std::int32_t increase = 3;
+    static constexpr std::int32_t INITIAL_SIZE = 8;
+    static constexpr std::int32_t INCREASE = 3;
 };
 
 template <>
 struct VARN3D::SimplePoolTraits<Hungry> {
-    static constexpr std::int32_t initialSize = 2;
-    static constexpr std::int32_t increase = std::numeric_limits<std::int32_t>::max();
+    static constexpr std::int32_t INITIAL_SIZE = 2;
+    static constexpr std::int32_t INCREASE = std::numeric_limits<std::int32_t>::max();
 };
 
 template <>
 struct VARN3D::SimplePoolTraits<Starving> {
-    static constexpr std::int32_t initialSize = std::numeric_limits<std::int32_t>::max();
-    static constexpr std::int32_t increase = poolGrowthRule;
+    static constexpr std::int32_t INITIAL_SIZE = std::numeric_limits<std::int32_t>::max();
+    static constexpr std::int32_t INCREASE = POOL_GROWTH_RULE;
 };
 
 TEST(SimplePool, BlocksGrowByTheRule) {

@@ -8,9 +8,9 @@
 
 #include "dt3Library/Dt3.h"
 #include "dt3Library/Varn_3D.h"
-#include "support/CaptureOutput.h"
-#include "support/MeshDigest.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

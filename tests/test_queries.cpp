@@ -133,24 +133,24 @@ TEST_P(Queries, Locate) {
         const Location found = locator.locate(p);
         std::size_t numFacets = 5;
         for (const Tet3* tet : tets) numFacets = std::min(numFacets, facetsAt(tet, p).size());
-        constexpr LocationKind KINDS[] = {LocationKind::Inside,  LocationKind::OnFacet,
-                                          LocationKind::OnEdge,  LocationKind::AtVertex,
-                                          LocationKind::Outside, LocationKind::Outside};
+        constexpr LocationKind KINDS[] = {LocationKind::INSIDE,  LocationKind::ON_FACET,
+                                          LocationKind::ON_EDGE, LocationKind::AT_VERTEX,
+                                          LocationKind::OUTSIDE, LocationKind::OUTSIDE};
         ASSERT_EQ(found.kind, KINDS[numFacets]);
         ASSERT_EQ(found.tet == nullptr, tets.empty());
         if (tets.empty()) continue;
         const std::vector<int> facets = facetsAt(found.tet, p);
         ASSERT_EQ(facets.size(), numFacets);
-        if (found.kind == LocationKind::Outside) {
+        if (found.kind == LocationKind::OUTSIDE) {
             ASSERT_EQ(found.tet->getOppTet(found.opp3), nullptr);
             ASSERT_LT(side(found.tet, found.opp3, p), 0);
         }
-        if (found.kind == LocationKind::OnFacet || found.kind == LocationKind::OnEdge) {
+        if (found.kind == LocationKind::ON_FACET || found.kind == LocationKind::ON_EDGE) {
             std::vector<int> named = {found.opp3};
             if (found.opp2 >= 0) named.push_back(found.opp2);
             ASSERT_THAT(named, testing::UnorderedElementsAreArray(facets));
         }
-        ASSERT_EQ(found.vertex != nullptr, found.kind == LocationKind::AtVertex);
+        ASSERT_EQ(found.vertex != nullptr, found.kind == LocationKind::AT_VERTEX);
         if (found.vertex != nullptr)
             ASSERT_TRUE(*found.vertex == p && found.tet->hasVertex(found.vertex));
     }
@@ -271,7 +271,7 @@ TEST(PointLocator, SeesWhatIsInserted) {
             for (const Point3* v : vertices)
                 ASSERT_LE(distance(nearest), distance(v) * (1 + 1e-15));
             const Location location = locator.locate(p);
-            ASSERT_EQ(location.kind != LocationKind::Outside, mesh.locate(p) != nullptr);
+            ASSERT_EQ(location.kind != LocationKind::OUTSIDE, mesh.locate(p) != nullptr);
         }
     }
 }
@@ -294,7 +294,7 @@ TEST(PointLocator, RefusesWhatIsNotFinite) {
     std::vector<Tet3*> region;
     EXPECT_EQ(messageOf([&] { locator.conflictRegion(bad, region); }),
               "\n      PointLocator::conflictRegion()" + rest);
-    EXPECT_EQ(locator.locate({0.5, 0.5, 0.5}).kind, LocationKind::Inside);
+    EXPECT_EQ(locator.locate({0.5, 0.5, 0.5}).kind, LocationKind::INSIDE);
 }
 
 }  // namespace

@@ -9,9 +9,9 @@
 #include "dt3Library/HC3.h"
 #include "dt3Library/Tet3.h"
 #include "dt3Library/VarnException.h"
-#include "support/CaptureOutput.h"
-#include "support/MeshDigest.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/MeshDigest.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

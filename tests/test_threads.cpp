@@ -72,7 +72,7 @@ std::vector<const void*> answersOf(const Varn_3D& mesh) {
     for (const Point3& p : support::uniform(500, 3, -0.5, 1.5)) {
         answers.push_back(locator.nearestVertex(p));
         const VARN3D::Location location = locator.locate(p);
-        if (location.kind == VARN3D::LocationKind::Inside) answers.push_back(location.tet);
+        if (location.kind == VARN3D::LocationKind::INSIDE) answers.push_back(location.tet);
         locator.conflictRegion(p, region);
     }
     std::sort(region.begin(), region.end());

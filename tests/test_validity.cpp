@@ -9,8 +9,8 @@
 #include "dt3Library/Dt3.h"
 #include "dt3Library/Visualizer3.h"
 #include "dt3Library/base/MeshAccess.h"
-#include "support/CaptureOutput.h"
-#include "support/PointSets.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/PointSets.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "Adjacency.h"
+#include "tools/Adjacency.h"
 
 #include <algorithm>
 #include <tuple>
@@ -70,7 +70,7 @@ class Sides {
 }  // namespace
 
 Adjacency::Adjacency(const std::vector<IndexedMesh::Tetrahedron>& tetrahedra) {
-    neighbours.resize(tetrahedra.size(), {none, none, none, none});
+    neighbours.resize(tetrahedra.size(), {NONE, NONE, NONE, NONE});
     Sides(tetrahedra).visitPairs([this](const Side& a, const Side& b) {
         neighbours[a.tetrahedron][a.corner] = b.tetrahedron;
         neighbours[b.tetrahedron][b.corner] = a.tetrahedron;

@@ -5,14 +5,14 @@
 #include <cstdint>
 #include <vector>
 
-#include "IndexedMesh.h"
+#include "tools/IndexedMesh.h"
 
 namespace tool {
 
 /// Which of a list of tetrahedra share a facet.
 class Adjacency {
   public:
-    static constexpr std::uint32_t none = UINT32_MAX;
+    static constexpr std::uint32_t NONE = UINT32_MAX;
 
     /// O(n log n) at worst, O(n) for meshes whose vertices have few neighbours; 80 bytes a
     /// tetrahedron while it is being built, 16 afterwards.
@@ -21,7 +21,7 @@ class Adjacency {
     /// The number of tetrahedra.
     std::size_t size() const { return neighbours.size(); }
 
-    /// The number of the tetrahedron across the facet opposite a corner, or none.
+    /// The number of the tetrahedron across the facet opposite a corner, or NONE.
     std::uint32_t across(std::size_t tetrahedron, std::size_t corner) const {
         return neighbours[tetrahedron][corner];
     }

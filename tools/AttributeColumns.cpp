@@ -1,9 +1,9 @@
-#include "AttributeColumns.h"
+#include "tools/AttributeColumns.h"
 
 #include <limits>
 #include <utility>
 
-#include "parsing.h"
+#include "tools/parsing.h"
 
 namespace tool {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "PointSet.h"
+#include "tools/PointSet.h"
 
 namespace tool {
 

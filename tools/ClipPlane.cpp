@@ -1,25 +1,25 @@
-#include "ClipPlane.h"
+#include "tools/ClipPlane.h"
 
 #include <string_view>
 
-#include "InputError.h"
-#include "parsing.h"
+#include "tools/InputError.h"
+#include "tools/parsing.h"
 
 namespace tool {
 
 namespace {
 
-const std::string_view axisNames = "xyzXYZ";
+const std::string_view AXIS_NAMES = "xyzXYZ";
 
 }  // namespace
 
 ClipPlane ClipPlane::parse(const std::string& text) {
     std::string_view rest = trimmed(text);
     ClipPlane plane;
-    const std::size_t axis = rest.empty() ? std::string_view::npos : axisNames.find(rest[0]);
+    const std::size_t axis = rest.empty() ? std::string_view::npos : AXIS_NAMES.find(rest[0]);
     bool bWellFormed = axis != std::string_view::npos;
     if (bWellFormed) {
-        plane.axis = axisNames[axis % 3];
+        plane.axis = AXIS_NAMES[axis % 3];
         rest = trimmed(rest.substr(1));
         const std::size_t length = rest.find_first_not_of("<=>");
         const std::string_view comparison = rest.substr(0, length);

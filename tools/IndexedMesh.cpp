@@ -1,4 +1,4 @@
-#include "IndexedMesh.h"
+#include "tools/IndexedMesh.h"
 
 #include <algorithm>
 #include <unordered_map>

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "ClipPlane.h"
-#include "PointSet.h"
+#include "tools/ClipPlane.h"
+#include "tools/PointSet.h"
 
 namespace tool {
 

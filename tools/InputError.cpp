@@ -1,4 +1,4 @@
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 

@@ -1,10 +1,10 @@
-#include "LayoutFinder.h"
+#include "tools/LayoutFinder.h"
 
 #include <algorithm>
 #include <charconv>
 #include <vector>
 
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 
@@ -32,14 +32,14 @@ LayoutFinder::LayoutFinder(std::optional<TextHeader> possibleHeader, std::string
     : header(possibleHeader), row(firstRow), rowNumber(number), wanted(wantedColumns) {}
 
 bool LayoutFinder::fits() const {
-    return std::any_of(std::begin(allSeparators), std::end(allSeparators), [&](Separator s) {
+    return std::any_of(std::begin(ALL_SEPARATORS), std::end(ALL_SEPARATORS), [&](Separator s) {
         const Reading reading = readingAt(s);
         return reading.problem.empty() || reading.bEmpty;
     });
 }
 
 TextLayout LayoutFinder::find(const std::string& file) const {
-    for (const Separator separator : allSeparators) {
+    for (const Separator separator : ALL_SEPARATORS) {
         const Reading reading = readingAt(separator);
         if (reading.problem.empty()) {
             const std::string ambiguity = ambiguityOf(reading);
@@ -93,7 +93,7 @@ bool LayoutFinder::namesAxes(Separator separator) const {
 std::string LayoutFinder::ambiguityOf(const Reading& best) const {
     const std::string asFound =
         std::string("cut at ") + nameOf(best.layout.separator) + " the point is " + shown(best.xyz);
-    for (const Separator separator : allSeparators) {
+    for (const Separator separator : ALL_SEPARATORS) {
         const Reading other = readingAt(separator);
         const std::string asOther = std::string("; cut at ") + nameOf(separator);
         if (other.bEmpty) return asFound + asOther + " " + other.problem;
@@ -108,7 +108,7 @@ std::string LayoutFinder::ambiguityOf(const Reading& best) const {
 /// Whether the row is like "0,5, 1,5, 2,5", which is neither six numbers nor three for certain.
 bool LayoutFinder::hasDecimalCommas() const {
     std::vector<std::string_view> words;
-    cut(row, Separator::blanks, words);
+    cut(row, Separator::BLANKS, words);
     for (std::size_t i = 0; i + 1 < words.size(); ++i) {
         if (words[i].empty() || words[i].back() != ',') return false;
         words[i].remove_suffix(1);
@@ -120,7 +120,7 @@ bool LayoutFinder::hasDecimalCommas() const {
 /// nevertheless, and other columns be meant than the first three.
 std::string LayoutFinder::proseAgainst(const TextLayout& layout) const {
     if (!header || !header->bComment || wanted || !layout.names.empty()) return {};
-    for (const Separator separator : allSeparators) {
+    for (const Separator separator : ALL_SEPARATORS) {
         const std::optional<AxisColumns> named = findAxes(header->text, separator);
         const bool bOnlyThree =
             layout.numColumns == 3 && named && std::is_sorted(named->begin(), named->end());
@@ -136,13 +136,13 @@ std::string LayoutFinder::proseAgainst(const TextLayout& layout) const {
 /// The separator that the row uses tells best what is wrong, if the header agrees with it.
 std::string LayoutFinder::problemOfAll() const {
     std::optional<Reading> clearest;
-    for (const Separator separator : allSeparators) {
+    for (const Separator separator : ALL_SEPARATORS) {
         const Reading reading = readingAt(separator);
         if (reading.bEmpty) return reading.problem;
         const bool bNamed = !header || header->bComment || wanted || namesAxes(separator);
         if (!clearest && bNamed && contains(row, separator)) clearest = reading;
     }
-    return clearest ? clearest->problem : readingAt(Separator::blanks).problem;
+    return clearest ? clearest->problem : readingAt(Separator::BLANKS).problem;
 }
 
 }  // namespace tool

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "TextLayout.h"
+#include "tools/TextLayout.h"
 
 namespace tool {
 

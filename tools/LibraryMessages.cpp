@@ -1,4 +1,4 @@
-#include "LibraryMessages.h"
+#include "tools/LibraryMessages.h"
 
 #include <cstdio>
 #include <iostream>

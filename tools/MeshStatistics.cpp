@@ -1,4 +1,4 @@
-#include "MeshStatistics.h"
+#include "tools/MeshStatistics.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
-#include "NodeReader.h"
+#include "tools/NodeReader.h"
 
-#include "InputError.h"
-#include "columns.h"
+#include "tools/InputError.h"
+#include "tools/columns.h"
 
 namespace tool {
 
@@ -20,7 +20,7 @@ void NodeReader::takeCounts() {
     std::string_view line;
     std::uint64_t dimension = 0;
     if (!nextDataLine(line)) return;
-    cut(line, Separator::blanks, words);
+    cut(line, Separator::BLANKS, words);
     if (words.size() < 2 || words.size() > 4 || !parseCount(words[0], numNodes) ||
         !parseCount(words[1], dimension) ||
         (words.size() > 2 && !parseCount(words[2], numAttributes)) ||
@@ -37,7 +37,7 @@ void NodeReader::takeCounts() {
 void NodeReader::takeNode(std::uint64_t index, PointSet& set) {
     std::string_view line = takeVertexLine(index, numNodes);
     std::uint64_t number = 0;
-    cut(line, Separator::blanks, words);
+    cut(line, Separator::BLANKS, words);
     if (!parseCount(takeWord(line), number) || number != base + index) {
         base = index == 0 && number == 1 ? 1 : base;
         if (number != base + index) {

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "AttributeColumns.h"
-#include "PointReader.h"
+#include "tools/AttributeColumns.h"
+#include "tools/PointReader.h"
 
 namespace tool {
 

@@ -1,10 +1,10 @@
-#include "ObjReader.h"
+#include "tools/ObjReader.h"
 
 #include <vector>
 
-#include "InputError.h"
-#include "columns.h"
-#include "readableFormats.h"
+#include "tools/InputError.h"
+#include "tools/columns.h"
+#include "tools/readableFormats.h"
 
 namespace tool {
 
@@ -15,7 +15,7 @@ PointSet ObjReader::read() {
     const char* const colours[] = {"red", "green", "blue"};
     for (std::size_t i = 0; options.bAttributes && i < 3; ++i) attributes.add(4 + i, colours[i]);
     while (nextDataLine(line)) {
-        cut(line, Separator::blanks, words);
+        cut(line, Separator::BLANKS, words);
         if (takeWord(line) != "v") continue;
         set.points.push_back(takePoint(line));
         if (words.size() > 8) fail("more than seven numbers of a vertex");
@@ -25,7 +25,7 @@ PointSet ObjReader::read() {
             words.erase(words.begin() + 4);
         attributes.take(words);
     }
-    if (set.points.empty()) fail(std::string("no line begins with \"v\"; ") + readableFormats);
+    if (set.points.empty()) fail(std::string("no line begins with \"v\"; ") + READABLE_FORMATS);
     attributes.moveTo(set);
     return set;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "AttributeColumns.h"
-#include "PointReader.h"
+#include "tools/AttributeColumns.h"
+#include "tools/PointReader.h"
 
 namespace tool {
 

@@ -1,15 +1,15 @@
-#include "OffReader.h"
+#include "tools/OffReader.h"
 
 #include <algorithm>
 
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 
 namespace {
 
 /// What may stand before "OFF" while the first three numbers of a vertex are x, y and z.
-const char* const readablePrefixes[] = {"", "C", "N", "CN", "ST", "STC", "STN", "STCN"};
+const char* const READABLE_PREFIXES[] = {"", "C", "N", "CN", "ST", "STC", "STN", "STCN"};
 
 bool endsInOff(std::string_view word) {
     return word.size() >= 3 && word.size() <= 9 && word.substr(word.size() - 3) == "OFF";
@@ -37,8 +37,8 @@ std::uint64_t OffReader::takeNumVertices() {
     const std::string_view keyword = takeWord(line);
     if (!endsInOff(keyword)) fail("not an OFF file: its first word doesn't end in \"OFF\"");
     const std::string_view prefix = keyword.substr(0, keyword.size() - 3);
-    if (std::find(std::begin(readablePrefixes), std::end(readablePrefixes), prefix) ==
-        std::end(readablePrefixes))
+    if (std::find(std::begin(READABLE_PREFIXES), std::end(READABLE_PREFIXES), prefix) ==
+        std::end(READABLE_PREFIXES))
         fail(quoted(keyword) + ": only points with three coordinates are read");
     if (trimmed(line).empty() && !nextDataLine(line))
         fail("the counts of vertices, faces and edges are missing");

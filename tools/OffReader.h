@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "PointReader.h"
+#include "tools/PointReader.h"
 
 namespace tool {
 

@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "tools/Options.h"
 
 #include <dt3Library/Varn_3D.h>
 #include <CLI/CLI.hpp>
@@ -8,14 +8,14 @@
 #include <map>
 #include <string_view>
 
-#include "InputError.h"
-#include "parsing.h"
+#include "tools/InputError.h"
+#include "tools/parsing.h"
 
 namespace tool {
 
 namespace {
 
-const char* const footer = R"(Input:
+const char* const FOOTER = R"(Input:
   Text (.xyz .txt .csv .pts): a point a line, cut at semicolons, commas, tabs or
   blanks, x, y and z in front. A first line or a "#" comment that names columns x,
   y and z says which ones to take. A count before the points is understood, also
@@ -34,10 +34,10 @@ Exit codes:
   0 success; 1 the check failed; 2 bad input, option or file;
   3 the points are coplanar, so that there is no tetrahedron)";
 
-const std::map<std::string, PointFormat> formats = {
-    {"xyz", PointFormat::text}, {"txt", PointFormat::text}, {"csv", PointFormat::text},
-    {"pts", PointFormat::text}, {"ply", PointFormat::ply},  {"obj", PointFormat::obj},
-    {"off", PointFormat::off},  {"node", PointFormat::node}};
+const std::map<std::string, PointFormat> FORMATS = {
+    {"xyz", PointFormat::TEXT}, {"txt", PointFormat::TEXT}, {"csv", PointFormat::TEXT},
+    {"pts", PointFormat::TEXT}, {"ply", PointFormat::PLY},  {"obj", PointFormat::OBJ},
+    {"off", PointFormat::OFF},  {"node", PointFormat::NODE}};
 
 std::string versionText() {
     return "varn3d " + std::to_string(VARN3D_VERSION_MAJOR) + "." +
@@ -48,7 +48,7 @@ std::string versionText() {
 AxisColumns parseColumns(const std::string& text) {
     std::vector<std::string_view> words;
     std::size_t numbers[3] = {};
-    cut(text, Separator::comma, words);
+    cut(text, Separator::COMMA, words);
     bool bGood = words.size() == 3;
     for (std::size_t i = 0; i < 3 && bGood; ++i) {
         std::uint64_t number = 0;
@@ -88,7 +88,7 @@ void describeInput(CLI::App& app, Options& options, Words& words) {
     app.add_option(
            "--format", words.format,
            "xyz, txt, csv, pts (all text), ply, obj, off or node, whatever the file is like")
-        ->check(CLI::IsMember(&formats).description(""))
+        ->check(CLI::IsMember(&FORMATS).description(""))
         ->type_name("NAME");
     app.add_option("--columns", words.columns,
                    "The columns of a text that hold x, y and z, counted from 1")
@@ -136,7 +136,7 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     Words words;
     CLI::App app("Exact Delaunay tetrahedralisation of a set of points.", "varn3d");
     app.set_version_flag("--version", versionText());
-    app.footer(footer);
+    app.footer(FOOTER);
     describeInput(app, options, words);
     describeOutput(app, options, words);
     describeReports(app, options);
@@ -148,7 +148,7 @@ std::optional<Options> Options::parse(int argc, const char* const* argv) {
     } catch (const CLI::ParseError& error) {
         throw InputError(std::string(error.what()) + " (varn3d --help tells more)");
     }
-    if (!words.format.empty()) options.reading.format = formats.at(words.format);
+    if (!words.format.empty()) options.reading.format = FORMATS.at(words.format);
     if (!words.columns.empty()) options.reading.columns = parseColumns(words.columns);
     for (const std::string& clip : words.clips)
         options.clipPlanes.push_back(ClipPlane::parse(clip));

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "ClipPlane.h"
-#include "ReadingOptions.h"
+#include "tools/ClipPlane.h"
+#include "tools/ReadingOptions.h"
 
 namespace tool {
 

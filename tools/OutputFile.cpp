@@ -1,12 +1,12 @@
-#include "OutputFile.h"
+#include "tools/OutputFile.h"
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
 
-#include "InputError.h"
-#include "temporaryFiles.h"
+#include "tools/InputError.h"
+#include "tools/temporaryFiles.h"
 
 namespace tool {
 
@@ -30,7 +30,7 @@ OutputFile::OutputFile(const std::string& targetName) : displayName(targetName) 
     }
     if (!pFile) fail();
     std::setvbuf(pFile, nullptr, _IONBF, 0);
-    buffer.reserve(2 * bufferSize);
+    buffer.reserve(2 * BUFFER_SIZE);
 }
 
 void OutputFile::createTemporary() {

@@ -11,7 +11,7 @@
 
 namespace tool {
 
-enum class ByteOrder { littleEndian, bigEndian };
+enum class ByteOrder { LITTLE, BIG };
 
 /// A file that appears under its name only when it is complete: it is written under a temporary
 /// name in the same directory, and commit() renames it. Without a commit the destructor removes it.
@@ -35,7 +35,7 @@ class OutputFile {
 
     void write(std::string_view bytes) {
         buffer.append(bytes);
-        if (buffer.size() >= bufferSize) flush();
+        if (buffer.size() >= BUFFER_SIZE) flush();
     }
     /// Writes the shortest decimal text that reads back as the same number.
     template <class Number>
@@ -50,8 +50,7 @@ class OutputFile {
     void writeBinary(Number number, ByteOrder order) {
         char bytes[sizeof number];
         std::memcpy(bytes, &number, sizeof number);
-        if ((order == ByteOrder::bigEndian) != isBigEndian())
-            std::reverse(bytes, bytes + sizeof number);
+        if ((order == ByteOrder::BIG) != isBigEndian()) std::reverse(bytes, bytes + sizeof number);
         write(std::string_view(bytes, sizeof number));
     }
 
@@ -61,7 +60,7 @@ class OutputFile {
     void commit();
 
   private:
-    static constexpr std::size_t bufferSize = std::size_t{1} << 18;
+    static constexpr std::size_t BUFFER_SIZE = std::size_t{1} << 18;
 
     static bool isBigEndian() {
         const std::uint16_t one = 1;

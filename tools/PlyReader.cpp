@@ -1,11 +1,11 @@
-#include "PlyReader.h"
+#include "tools/PlyReader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
 
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 
@@ -34,7 +34,7 @@ PointSet PlyReader::read() {
     data = lines.rest();
     for (const Element& element : elements) {
         const bool bVertices = element.name == "vertex";
-        if (encoding == Encoding::ascii)
+        if (encoding == Encoding::ASCII)
             readAsciiElement(element, bVertices);
         else
             readBinaryElement(element, bVertices);
@@ -77,11 +77,11 @@ void PlyReader::parseHeader() {
 void PlyReader::parseFormat(std::string_view words) {
     const std::string_view name = takeWord(words);
     if (name == "ascii")
-        encoding = Encoding::ascii;
+        encoding = Encoding::ASCII;
     else if (name == "binary_little_endian")
-        encoding = Encoding::littleEndian;
+        encoding = Encoding::LITTLE;
     else if (name == "binary_big_endian")
-        encoding = Encoding::bigEndian;
+        encoding = Encoding::BIG;
     else
         fail("unknown format " + quoted(name));
     const std::string_view version = takeWord(words);
@@ -257,7 +257,7 @@ std::string_view PlyReader::takeBytes(std::uint64_t numBytes, const Place& place
 double PlyReader::decode(std::string_view bytes, const Scalar& type) const {
     std::uint64_t bits = 0;
     for (std::size_t i = 0; i < type.size; ++i) {
-        const std::size_t at = encoding == Encoding::bigEndian ? i : type.size - 1 - i;
+        const std::size_t at = encoding == Encoding::BIG ? i : type.size - 1 - i;
         bits = bits << 8 | static_cast<unsigned char>(bytes[at]);
     }
     if (type.bFloat) {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "PointReader.h"
+#include "tools/PointReader.h"
 
 namespace tool {
 
@@ -24,7 +24,7 @@ class PlyReader : public PointReader {
     PointSet read() override;
 
   private:
-    enum class Encoding { ascii, littleEndian, bigEndian };
+    enum class Encoding { ASCII, LITTLE, BIG };
 
     struct Scalar {
         std::size_t size;
@@ -75,7 +75,7 @@ class PlyReader : public PointReader {
 
     [[noreturn]] void failAtPlace(const Place& place, const std::string& problem) const;
 
-    Encoding encoding = Encoding::ascii;
+    Encoding encoding = Encoding::ASCII;
     std::vector<Element> elements;
     /// The binary data that has not been read yet.
     std::string_view data;

@@ -1,4 +1,4 @@
-#include "PointFile.h"
+#include "tools/PointFile.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -6,13 +6,13 @@
 #include <memory>
 #include <utility>
 
-#include "InputError.h"
-#include "NodeReader.h"
-#include "ObjReader.h"
-#include "OffReader.h"
-#include "PlyReader.h"
-#include "TextReader.h"
-#include "readableFormats.h"
+#include "tools/InputError.h"
+#include "tools/NodeReader.h"
+#include "tools/ObjReader.h"
+#include "tools/OffReader.h"
+#include "tools/PlyReader.h"
+#include "tools/TextReader.h"
+#include "tools/readableFormats.h"
 
 namespace tool {
 
@@ -50,40 +50,40 @@ void refuseForeign(std::string_view content, const std::string& fileName) {
     }
     for (const auto& other : foreign)
         if (beginsWith(content, other.beginning))
-            throw InputError(fileName, std::string(other.name) + "; " + readableFormats);
+            throw InputError(fileName, std::string(other.name) + "; " + READABLE_FORMATS);
     if (content.substr(0, 16).find('\0') != std::string_view::npos) {
         throw InputError(fileName,
-                         std::string("binary data, or text in UTF-16; ") + readableFormats);
+                         std::string("binary data, or text in UTF-16; ") + READABLE_FORMATS);
     }
 }
 
 PointFormat formatOf(std::string_view content, const std::string& fileName) {
     std::string_view firstLine;
     LineCursor(content).next(firstLine);
-    if (trimmed(firstLine) == "ply") return PointFormat::ply;
-    if (OffReader::isFirstLine(firstLine)) return PointFormat::off;
-    const std::pair<const char*, PointFormat> endings[] = {{".ply", PointFormat::ply},
-                                                           {".obj", PointFormat::obj},
-                                                           {".off", PointFormat::off},
-                                                           {".node", PointFormat::node}};
+    if (trimmed(firstLine) == "ply") return PointFormat::PLY;
+    if (OffReader::isFirstLine(firstLine)) return PointFormat::OFF;
+    const std::pair<const char*, PointFormat> endings[] = {{".ply", PointFormat::PLY},
+                                                           {".obj", PointFormat::OBJ},
+                                                           {".off", PointFormat::OFF},
+                                                           {".node", PointFormat::NODE}};
     for (const auto& [ending, format] : endings)
         if (endsIn(fileName, ending)) return format;
-    return PointFormat::text;
+    return PointFormat::TEXT;
 }
 
 std::unique_ptr<PointReader> makeReader(std::string_view content, const std::string& fileName,
                                         PointFormat format, const ReadingOptions& options) {
     switch (format) {
-        case PointFormat::ply:
+        case PointFormat::PLY:
             return std::make_unique<PlyReader>(content, fileName, options);
-        case PointFormat::obj:
+        case PointFormat::OBJ:
             return std::make_unique<ObjReader>(content, fileName, options);
-        case PointFormat::off:
+        case PointFormat::OFF:
             return std::make_unique<OffReader>(content, fileName, options);
-        case PointFormat::node:
+        case PointFormat::NODE:
             return std::make_unique<NodeReader>(content, fileName, options);
-        case PointFormat::text:
-        case PointFormat::automatic:
+        case PointFormat::TEXT:
+        case PointFormat::AUTOMATIC:
             break;
     }
     return std::make_unique<TextReader>(content, fileName, options);
@@ -121,8 +121,8 @@ PointSet parsePoints(std::string_view content, const std::string& fileName,
                      const ReadingOptions& options) {
     PointFormat format = options.format;
     refuseForeign(content, fileName);
-    if (format == PointFormat::automatic) format = formatOf(content, fileName);
-    if (options.columns && format != PointFormat::text)
+    if (format == PointFormat::AUTOMATIC) format = formatOf(content, fileName);
+    if (options.columns && format != PointFormat::TEXT)
         throw InputError(fileName, "--columns is for text only");
     PointSet set = makeReader(content, fileName, format, options)->read();
     if (set.points.empty()) throw InputError(fileName, "no points");

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "PointSet.h"
-#include "ReadingOptions.h"
+#include "tools/PointSet.h"
+#include "tools/ReadingOptions.h"
 
 namespace tool {
 

@@ -1,6 +1,6 @@
-#include "PointReader.h"
+#include "tools/PointReader.h"
 
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "PointSet.h"
-#include "ReadingOptions.h"
-#include "parsing.h"
+#include "tools/PointSet.h"
+#include "tools/ReadingOptions.h"
+#include "tools/parsing.h"
 
 namespace tool {
 

@@ -1,11 +1,11 @@
-#include "Progress.h"
+#include "tools/Progress.h"
 
 #include <cmath>
 #include <cstdio>
 #include <utility>
 
-#include "platform.h"
-#include "temporaryFiles.h"
+#include "tools/platform.h"
+#include "tools/temporaryFiles.h"
 
 namespace tool {
 

@@ -3,15 +3,15 @@
 #include <atomic>
 #include <optional>
 
-#include "TextLayout.h"
+#include "tools/TextLayout.h"
 
 namespace tool {
 
-enum class PointFormat { automatic, text, ply, obj, off, node };
+enum class PointFormat { AUTOMATIC, TEXT, PLY, OBJ, OFF, NODE };
 
 /// What a reader is to do besides taking the points.
 struct ReadingOptions {
-    PointFormat format = PointFormat::automatic;
+    PointFormat format = PointFormat::AUTOMATIC;
     /// The columns of a text to take, whatever its header says.
     std::optional<AxisColumns> columns;
     /// Whether the other numbers of the points are wanted as well.

@@ -1,10 +1,10 @@
-#include "TextLayout.h"
+#include "tools/TextLayout.h"
 
 #include <algorithm>
 #include <cctype>
 
-#include "InputError.h"
-#include "parsing.h"
+#include "tools/InputError.h"
+#include "tools/parsing.h"
 
 namespace tool {
 
@@ -57,9 +57,9 @@ std::string TextLayout::parse(const Columns& columns, std::array<double, 3>& xyz
             problem = "column " + std::to_string(axes[axis] + 1) + " is empty";
         } else if (hasDecimalComma(text)) {
             problem = quoted(text) + fault + ": the decimal sign must be a point";
-        } else if (separator != Separator::blanks && contains(text, Separator::blanks)) {
+        } else if (separator != Separator::BLANKS && contains(text, Separator::BLANKS)) {
             problem = std::string(nameOf(separator)) + " and blanks both separate numbers";
-            problem += separator == Separator::comma ? " (decimal commas are not read)" : "";
+            problem += separator == Separator::COMMA ? " (decimal commas are not read)" : "";
         } else {
             problem = quoted(text) + fault;
         }
@@ -70,7 +70,7 @@ std::string TextLayout::parse(const Columns& columns, std::array<double, 3>& xyz
 /// A missing value must not pass for another column's, nor a line that breaks off for a whole one.
 std::string TextLayout::problemOfLength(const Columns& columns) const {
     const std::size_t n = columns.size();
-    const bool bMayLackLast = bLastEmpty && separator != Separator::blanks;
+    const bool bMayLackLast = bLastEmpty && separator != Separator::BLANKS;
     const std::size_t fewest = std::max(*std::max_element(axes.begin(), axes.end()) + 1,
                                         numColumns - (bMayLackLast ? 1 : 0));
     if (n < fewest) {

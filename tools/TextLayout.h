@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "columns.h"
+#include "tools/columns.h"
 
 namespace tool {
 
@@ -30,7 +30,7 @@ struct TextLayout {
 
     bool hasEmptyCoordinate(const Columns& columns) const;
 
-    Separator separator = Separator::blanks;
+    Separator separator = Separator::BLANKS;
     AxisColumns axes = {0, 1, 2};
     /// The names of all columns; empty without a header.
     std::vector<std::string> names;

@@ -1,9 +1,9 @@
-#include "TextReader.h"
+#include "tools/TextReader.h"
 
 #include <algorithm>
 
-#include "InputError.h"
-#include "readableFormats.h"
+#include "tools/InputError.h"
+#include "tools/readableFormats.h"
 
 namespace tool {
 
@@ -17,7 +17,7 @@ std::string_view withoutComment(std::string_view line) {
 }
 
 bool namesAxes(std::string_view line) {
-    return std::any_of(std::begin(allSeparators), std::end(allSeparators),
+    return std::any_of(std::begin(ALL_SEPARATORS), std::end(ALL_SEPARATORS),
                        [&](Separator separator) { return findAxes(line, separator).has_value(); });
 }
 
@@ -129,7 +129,7 @@ std::string_view TextReader::takeFirstAtom() {
     lines.next(text);
     bHeadTaken = true;
     if (!nextRow(row)) return {};
-    cut(row, Separator::blanks, columns);
+    cut(row, Separator::BLANKS, columns);
     if (options.columns || columns.size() < 4) return row;
     const std::optional<std::size_t> first = positionColumn(text);
     bAtoms = !isNumber(columns[0]);
@@ -150,20 +150,20 @@ bool TextReader::isNumberedLikeNodes(std::string_view row) const {
     std::string_view next;
     while (trimmed(next).empty() && behind.next(next)) next = withoutComment(next);
     std::vector<std::string_view> words;
-    cut(next, Separator::blanks, words);
+    cut(next, Separator::BLANKS, words);
     return trimmed(row).empty() && (counts[1] == 2 || counts[1] == 3) && counts[3] <= 1 &&
            words.size() == 1 + counts[1] + counts[2] + counts[3] &&
            (words[0] == "0" || words[0] == "1");
 }
 
 void TextReader::refuseAnythingElse(std::string_view row) const {
-    if (options.format == PointFormat::automatic && !options.columns && isNumberedLikeNodes(row)) {
+    if (options.format == PointFormat::AUTOMATIC && !options.columns && isNumberedLikeNodes(row)) {
         fail(
             "this looks like TetGen's .node, whose points are in columns 2, 3, 4 from the next "
             "line on: --format node takes those, --format xyz columns 1, 2, 3 from here on");
     }
     bool bNumberFirst = false;
-    for (const Separator separator : allSeparators) {
+    for (const Separator separator : ALL_SEPARATORS) {
         std::vector<std::string_view> words;
         cut(row, separator, words);
         bNumberFirst = bNumberFirst || words[0].empty() || isNumber(words[0]);
@@ -172,7 +172,7 @@ void TextReader::refuseAnythingElse(std::string_view row) const {
         fail(quoted(trimmed(row)) +
              " is neither a point nor names columns x, y and z once each (--columns tells which to "
              "take); " +
-             readableFormats);
+             READABLE_FORMATS);
     }
 }
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "AttributeColumns.h"
-#include "LayoutFinder.h"
-#include "PointReader.h"
+#include "tools/AttributeColumns.h"
+#include "tools/LayoutFinder.h"
+#include "tools/PointReader.h"
 
 namespace tool {
 

@@ -1,8 +1,8 @@
-#include "columns.h"
+#include "tools/columns.h"
 
 #include <algorithm>
 
-#include "parsing.h"
+#include "tools/parsing.h"
 
 namespace tool {
 
@@ -10,20 +10,20 @@ namespace {
 
 bool separates(char c, Separator separator) {
     switch (separator) {
-        case Separator::semicolon:
+        case Separator::SEMICOLON:
             return c == ';';
-        case Separator::comma:
+        case Separator::COMMA:
             return c == ',';
-        case Separator::tab:
+        case Separator::TAB:
             return c == '\t';
-        case Separator::blanks:
+        case Separator::BLANKS:
             break;
     }
     return isBlank(c);
 }
 
 std::size_t skipBlanks(std::string_view line, std::size_t at, Separator separator) {
-    const bool bAll = separator == Separator::blanks;
+    const bool bAll = separator == Separator::BLANKS;
     while (at < line.size() && isBlank(line[at]) && (bAll || !separates(line[at], separator))) ++at;
     return at;
 }
@@ -57,7 +57,7 @@ bool contains(std::string_view line, Separator separator) {
 
 void cut(std::string_view line, Separator separator, std::vector<std::string_view>& columns) {
     columns.clear();
-    if (separator == Separator::blanks) line = trimmed(line);
+    if (separator == Separator::BLANKS) line = trimmed(line);
     for (std::size_t begin = 0; begin <= line.size();) {
         begin = skipBlanks(line, begin, separator);
         const std::size_t end = findEnd(line, begin, separator);

@@ -7,10 +7,10 @@ namespace tool {
 
 /// What separates the columns of a text. All but blanks leave a column empty when two of them stand
 /// side by side.
-enum class Separator { semicolon, comma, tab, blanks };
+enum class Separator { SEMICOLON, COMMA, TAB, BLANKS };
 
-const Separator allSeparators[] = {Separator::semicolon, Separator::comma, Separator::tab,
-                                   Separator::blanks};
+const Separator ALL_SEPARATORS[] = {Separator::SEMICOLON, Separator::COMMA, Separator::TAB,
+                                    Separator::BLANKS};
 
 /// "semicolons", "commas", …
 const char* nameOf(Separator separator);

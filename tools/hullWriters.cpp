@@ -1,10 +1,10 @@
-#include "hullWriters.h"
+#include "tools/hullWriters.h"
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "writing.h"
+#include "tools/writing.h"
 
 namespace tool {
 
@@ -48,12 +48,12 @@ void writeHullPlyBinary(const IndexedMesh& mesh, OutputFile& file) {
     for (const std::uint32_t corner : surface.corners) {
         const Point3& p = mesh.points[corner];
         for (const double coordinate : {p.x(), p.y(), p.z()})
-            file.writeBinary(coordinate, ByteOrder::littleEndian);
-        file.writeBinary(corner, ByteOrder::littleEndian);
+            file.writeBinary(coordinate, ByteOrder::LITTLE);
+        file.writeBinary(corner, ByteOrder::LITTLE);
     }
     for (const IndexedMesh::Facet& facet : surface.facets) {
-        file.writeBinary(std::uint8_t{3}, ByteOrder::littleEndian);
-        for (const std::uint32_t corner : facet) file.writeBinary(corner, ByteOrder::littleEndian);
+        file.writeBinary(std::uint8_t{3}, ByteOrder::LITTLE);
+        for (const std::uint32_t corner : facet) file.writeBinary(corner, ByteOrder::LITTLE);
     }
 }
 

@@ -1,6 +1,6 @@
-#include "meshWriters.h"
+#include "tools/meshWriters.h"
 
-#include "writing.h"
+#include "tools/writing.h"
 
 namespace tool {
 

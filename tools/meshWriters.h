@@ -1,7 +1,7 @@
 #pragma once
 
-#include "IndexedMesh.h"
-#include "OutputFile.h"
+#include "tools/IndexedMesh.h"
+#include "tools/OutputFile.h"
 
 namespace tool {
 

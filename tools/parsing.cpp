@@ -1,4 +1,4 @@
-#include "parsing.h"
+#include "tools/parsing.h"
 
 #include <algorithm>
 #include <charconv>

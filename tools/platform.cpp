@@ -1,4 +1,4 @@
-#include "platform.h"
+#include "tools/platform.h"
 
 #if defined(__unix__) || defined(__APPLE__)
 #include <sys/resource.h>

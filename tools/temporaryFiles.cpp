@@ -1,4 +1,4 @@
-#include "temporaryFiles.h"
+#include "tools/temporaryFiles.h"
 
 #include <algorithm>
 #include <vector>
@@ -20,12 +20,12 @@ std::vector<std::string> temporaryFiles;
 
 #if defined(VARN3D_HAS_SIGNALS)
 
-const int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+const int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
 
 sigset_t endingSet() {
     sigset_t set;
     sigemptyset(&set);
-    for (const int signal : endingSignals) sigaddset(&set, signal);
+    for (const int signal : ENDING_SIGNALS) sigaddset(&set, signal);
     return set;
 }
 
@@ -39,7 +39,7 @@ using Handler = void (*)(int);
 
 /// Sets the handler of those signals that have the other one now.
 void replaceHandler(Handler present, Handler next) {
-    for (const int signal : endingSignals) {
+    for (const int signal : ENDING_SIGNALS) {
         struct sigaction action = {};
         sigaction(signal, nullptr, &action);
         if (action.sa_handler == present) {

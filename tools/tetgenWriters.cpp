@@ -1,6 +1,6 @@
-#include "tetgenWriters.h"
+#include "tools/tetgenWriters.h"
 
-#include "writing.h"
+#include "tools/writing.h"
 
 namespace tool {
 
@@ -38,7 +38,7 @@ void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, Outpu
     std::vector<IndexedMesh::Facet> facets;
     for (std::size_t t = 0; t < mesh.tetrahedra.size(); ++t) {
         for (std::size_t corner = 0; corner < 4; ++corner)
-            if (adjacency.across(t, corner) == Adjacency::none)
+            if (adjacency.across(t, corner) == Adjacency::NONE)
                 facets.push_back(IndexedMesh::facetOpposite(mesh.tetrahedra[t], corner));
     }
     writeNumbered(facets.size(), " 0", file,
@@ -50,7 +50,7 @@ void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file) {
         for (std::size_t corner = 0; corner < 4; ++corner) {
             const std::uint32_t neighbour = adjacency.across(t, corner);
             file.write(corner == 0 ? "" : " ");
-            file.writeNumber(neighbour == Adjacency::none ? std::int64_t{-1} : neighbour);
+            file.writeNumber(neighbour == Adjacency::NONE ? std::int64_t{-1} : neighbour);
         }
     });
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Adjacency.h"
-#include "IndexedMesh.h"
-#include "OutputFile.h"
+#include "tools/Adjacency.h"
+#include "tools/IndexedMesh.h"
+#include "tools/OutputFile.h"
 
 namespace tool {
 

@@ -13,21 +13,21 @@
 #include <utility>
 #include <vector>
 
-#include "Adjacency.h"
-#include "IndexedMesh.h"
-#include "InputError.h"
-#include "LibraryMessages.h"
-#include "MeshStatistics.h"
-#include "Options.h"
-#include "OutputFile.h"
-#include "PointFile.h"
-#include "Progress.h"
-#include "hullWriters.h"
-#include "meshWriters.h"
-#include "parsing.h"
-#include "platform.h"
-#include "tetgenWriters.h"
-#include "vtkWriters.h"
+#include "tools/Adjacency.h"
+#include "tools/IndexedMesh.h"
+#include "tools/InputError.h"
+#include "tools/LibraryMessages.h"
+#include "tools/MeshStatistics.h"
+#include "tools/Options.h"
+#include "tools/OutputFile.h"
+#include "tools/PointFile.h"
+#include "tools/Progress.h"
+#include "tools/hullWriters.h"
+#include "tools/meshWriters.h"
+#include "tools/parsing.h"
+#include "tools/platform.h"
+#include "tools/tetgenWriters.h"
+#include "tools/vtkWriters.h"
 
 using VARN3D::Point3;
 using VARN3D::Tet3;
@@ -37,7 +37,7 @@ namespace tool {
 
 namespace {
 
-enum ExitCode { success = 0, checkFailed = 1, badInput = 2, coplanar = 3 };
+enum ExitCode { SUCCESS = 0, CHECK_FAILED = 1, BAD_INPUT = 2, COPLANAR = 3 };
 
 /// Points that no tetrahedron can be made of.
 class CoplanarInput : public InputError {
@@ -101,7 +101,7 @@ ExitCode Program::run() {
         std::fputs("varn3d: no tetrahedron lies wholly on the side that --clip keeps\n", stderr);
     if (statistics) statistics->print(stdout);
     if (std::fflush(stdout) != 0) throw InputError("standard output", "can't be written");
-    return bValid ? success : checkFailed;
+    return bValid ? SUCCESS : CHECK_FAILED;
 }
 
 void Program::readPoints() {
@@ -216,19 +216,19 @@ void Program::printSummary() const {
 int run(int argc, const char* const* argv) {
     try {
         std::optional<Options> options = Options::parse(argc, argv);
-        return options ? std::make_unique<Program>(std::move(*options))->run() : success;
+        return options ? std::make_unique<Program>(std::move(*options))->run() : SUCCESS;
     } catch (const CoplanarInput& error) {
         std::fprintf(stderr, "varn3d: %s\n", error.what());
-        return coplanar;
+        return COPLANAR;
     } catch (const InputError& error) {
         std::fprintf(stderr, "varn3d: %s\n", error.what());
-        return badInput;
+        return BAD_INPUT;
     } catch (const std::bad_alloc&) {
         std::fputs("varn3d: out of memory\n", stderr);
-        return badInput;
+        return BAD_INPUT;
     } catch (const VARN3D::VarnException& error) {
         std::fprintf(stderr, "%s\n", error.what());
-        return checkFailed;
+        return CHECK_FAILED;
     }
 }
 

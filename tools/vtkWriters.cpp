@@ -1,4 +1,4 @@
-#include "vtkWriters.h"
+#include "tools/vtkWriters.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "InputError.h"
+#include "tools/InputError.h"
 
 namespace tool {
 
@@ -14,7 +14,7 @@ namespace {
 
 using VARN3D::Point3;
 
-const std::uint8_t vtkTetra = 10;
+const std::uint8_t VTK_TETRA = 10;
 
 /// Whether bytes beyond ASCII come in groups as those of UTF-8 do.
 bool isUtf8(std::string_view text) {
@@ -85,7 +85,7 @@ class LegacyWriter {
         }
         endArray();
         file.write("CELL_TYPES " + std::to_string(numTets) + "\n");
-        for (std::size_t i = 0; i < numTets; ++i) number(std::int32_t{vtkTetra}, "\n");
+        for (std::size_t i = 0; i < numTets; ++i) number(std::int32_t{VTK_TETRA}, "\n");
         endArray();
     }
 
@@ -119,7 +119,7 @@ class LegacyWriter {
             file.writeNumber(value);
             file.write(behind);
         } else {
-            file.writeBinary(value, ByteOrder::bigEndian);
+            file.writeBinary(value, ByteOrder::BIG);
         }
     }
 
@@ -192,12 +192,12 @@ class VtuWriter {
         number(std::uint64_t{8 * numTets});
         for (std::uint64_t i = 1; i <= numTets; ++i) number(std::uint64_t{4 * i});
         number(std::uint64_t{numTets});
-        for (std::uint64_t i = 0; i < numTets; ++i) number(vtkTetra);
+        for (std::uint64_t i = 0; i < numTets; ++i) number(VTK_TETRA);
     }
 
     template <class Number>
     void number(Number value) {
-        file.writeBinary(value, ByteOrder::littleEndian);
+        file.writeBinary(value, ByteOrder::LITTLE);
     }
 
     const IndexedMesh& mesh;

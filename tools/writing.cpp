@@ -1,4 +1,4 @@
-#include "writing.h"
+#include "tools/writing.h"
 
 namespace tool {
 

@@ -4,16 +4,17 @@
 
 #if defined(__linux__)
 #include <sys/mman.h>
+#include <unistd.h>
 #endif
 
 namespace VARN3D {
 
 void fetchPages(void* first, std::size_t bytes) {
 #if defined(__linux__) && defined(MADV_POPULATE_WRITE)
-    // Of any page size that a system may have, whole pages only.
-    constexpr std::uintptr_t PAGE = 65536;
-    const auto begin = (reinterpret_cast<std::uintptr_t>(first) + (PAGE - 1)) / PAGE * PAGE;
-    const auto end = (reinterpret_cast<std::uintptr_t>(first) + bytes) / PAGE * PAGE;
+    // Whole pages only.
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto begin = (reinterpret_cast<std::uintptr_t>(first) + (page - 1)) / page * page;
+    const auto end = (reinterpret_cast<std::uintptr_t>(first) + bytes) / page * page;
     // Systems that don't know the request refuse it, and the pages come one by one.
     if (begin < end)
         static_cast<void>(

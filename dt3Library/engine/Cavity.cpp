@@ -123,7 +123,7 @@ Tet3* Cavity::insert(Point3* p, const WalkEnd& place) {
     Tet3* last = fill();
     const std::size_t numStoredTCS = gluing.glue(created);
     // Outside, the facets between the new vertex and the horizon find no partner: the new hull.
-    const bool bClosed = numStoredTCS == 0 || place.place == WalkEnd::Place::AtHull;
+    const bool bClosed = numStoredTCS == 0 || place.place == WalkEnd::Place::AT_HULL;
     if (!bClosed)
         messageStream() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
     engineCheck(bClosed, checks::CAVITY_IS_CLOSED);
@@ -159,7 +159,7 @@ bool Cavity::isInConflict(const Tet3* tet) const {
 /// Inside, the region begins with the tetrahedron that holds the new vertex; outside, with what
 /// lies behind the hull facets that it sees.
 void Cavity::startRegion(const WalkEnd& place) {
-    if (place.place == WalkEnd::Place::Inside) {
+    if (place.place == WalkEnd::Place::INSIDE) {
         engineCheck(isInConflict(place.tet), checks::START_IN_CONFLICT);
         doom(place.tet);
         return;

@@ -58,17 +58,17 @@ WalkEnd lookAroundEdge(Tet3* tet, int opp3, int opp2) {
     LoopWatch loop(tet);
     while (!edge.isAtHull()) {
         edge.crossFacet();
-        if (edge.tet == tet) return {Place::Inside, tet};
+        if (edge.tet == tet) return {Place::INSIDE, tet};
         HullEdge::requireHull(!loop.isBackAt(edge.tet));
     }
-    return {Place::AtHull, edge.tet, edge.opp2};
+    return {Place::AT_HULL, edge.tet, edge.opp2};
 }
 
 /// The watchdog's report. It also moves one step at random, for a caller who tries again.
 WalkEnd stopWalk(Tet3* tet) {
     Tet3* const neighbour = MeshAccess::neighbour(tet, std::rand() % 4);
     messageStream() << "watchDog: bad point" << std::endl;
-    return {Place::OnTheWay, neighbour != nullptr ? neighbour : tet};
+    return {Place::ON_THE_WAY, neighbour != nullptr ? neighbour : tet};
 }
 
 }  // namespace
@@ -78,9 +78,9 @@ WalkEnd stopWalk(Tet3* tet) {
 WalkEnd Locator::locate(const Point3* point, Tet3* start) const {
     if (start == nullptr) goToHell("locateConflictTet");
     WalkEnd end = walk(point, start, MAX_STEPS / 10);
-    if (end.place == Place::OnTheWay) end = lookAroundNearestVertex(*point, end.tet);
-    if (end.place == Place::OnTheWay) end = walk(point, end.tet, MAX_STEPS);
-    return end.place == Place::OnTheWay ? stopWalk(end.tet) : end;
+    if (end.place == Place::ON_THE_WAY) end = lookAroundNearestVertex(*point, end.tet);
+    if (end.place == Place::ON_THE_WAY) end = walk(point, end.tet, MAX_STEPS);
+    return end.place == Place::ON_THE_WAY ? stopWalk(end.tet) : end;
 }
 
 /// Finds the point if it lies beyond a hull facet at the vertex nearest to it. Else the end is a
@@ -95,11 +95,11 @@ WalkEnd Locator::lookAroundNearestVertex(const Point3& point, Tet3* start) const
             if (MeshAccess::corner(tet, i) == nearest) continue;
             if (predicates.getOrientation3(tet, i, &point) != ORIENTATION3_NEGATIVE) continue;
             bFacing = false;
-            if (MeshAccess::neighbour(tet, i) == nullptr) return {Place::AtHull, tet, i};
+            if (MeshAccess::neighbour(tet, i) == nullptr) return {Place::AT_HULL, tet, i};
         }
         if (bFacing) facing = tet;
     }
-    return {Place::OnTheWay, facing};
+    return {Place::ON_THE_WAY, facing};
 }
 
 /// A visibility walk (Devillers, Pion and Teillaud, Walking in a triangulation, 2002): it crosses
@@ -111,8 +111,8 @@ WalkEnd Locator::walk(const Point3* point, Tet3* tet, int maxSteps) const {
     int untested = 4;
     bool bEntered = false;
     int steps = 0;
-    WalkEnd end{Place::OnTheWay, tet};
-    while (end.place == Place::OnTheWay) {
+    WalkEnd end{Place::ON_THE_WAY, tet};
+    while (end.place == Place::ON_THE_WAY) {
         const int numInner = countInnerFacets(sides, facet, untested);
         facet = (facet + numInner) % 4;
         untested -= numInner;
@@ -120,7 +120,7 @@ WalkEnd Locator::walk(const Point3* point, Tet3* tet, int maxSteps) const {
         if (steps > maxSteps) break;
         if (untested == 0) {
             if (bEntered) checkEntry(end.tet, facet, point, sides);
-            end.place = Place::Inside;
+            end.place = Place::INSIDE;
             break;
         }
         const Orientation3 side = sides.orientation[facet] < -sides.bound
@@ -129,7 +129,7 @@ WalkEnd Locator::walk(const Point3* point, Tet3* tet, int maxSteps) const {
         if (side == ORIENTATION3_NEGATIVE) {
             Tet3* const next = MeshAccess::neighbour(end.tet, facet);
             if (next == nullptr) {
-                end = {Place::AtHull, end.tet, facet};
+                end = {Place::AT_HULL, end.tet, facet};
                 break;
             }
             facet = (MeshAccess::indexOfNeighbour(next, end.tet) + 1) % 4;
@@ -161,19 +161,19 @@ void Locator::checkEntry(const Tet3* tet, int entry, const Point3* point,
 /// not, the walk must go on.
 WalkEnd Locator::lookInPlane(const Point3* point, Tet3* tet, int facet) const {
     for (int i = 0; i < 4; ++i)
-        if (*point == *MeshAccess::corner(tet, i)) return {Place::AtVertex, tet, i};
+        if (*point == *MeshAccess::corner(tet, i)) return {Place::AT_VERTEX, tet, i};
 
     int numPositive = 0;
-    WalkEnd end{Place::Inside, tet};
+    WalkEnd end{Place::INSIDE, tet};
     int secondCoplanar = facet;
     for (int k = 0; k < 4; ++k) {
         const Orientation3 side = predicates.getOrientation3(tet, k, point);
-        if (side == ORIENTATION3_NEGATIVE) return {Place::OnTheWay, tet};
+        if (side == ORIENTATION3_NEGATIVE) return {Place::ON_THE_WAY, tet};
         if (side == ORIENTATION3_POSITIVE) {
             ++numPositive;
             continue;
         }
-        if (MeshAccess::neighbour(tet, k) == nullptr) end = {Place::AtHull, tet, k};
+        if (MeshAccess::neighbour(tet, k) == nullptr) end = {Place::AT_HULL, tet, k};
         if (k != facet) secondCoplanar = k;
     }
     if (numPositive == 3) return end;

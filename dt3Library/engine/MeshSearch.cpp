@@ -48,12 +48,12 @@ Location MeshSearch::locate(const Point3& point) {
 int MeshSearch::walkTo(const Point3& point) {
     if (bScattered) startNear(point);
     WalkEnd end = locator.walk(&point, tet, NEAR_STEPS);
-    if (end.place == WalkEnd::Place::OnTheWay) {
+    if (end.place == WalkEnd::Place::ON_THE_WAY) {
         tet = end.tet;
         if (!bScattered) startNear(point);
         end = locator.locate(&point, tet);
     }
-    engineCheck(end.place != WalkEnd::Place::OnTheWay, checks::WALK_ENDS);
+    engineCheck(end.place != WalkEnd::Place::ON_THE_WAY, checks::WALK_ENDS);
     tet = end.tet;
     return end.index;
 }
@@ -73,7 +73,7 @@ void MeshSearch::startNear(const Point3& point) {
 /// Says of the place where a walk ended how the point lies there.
 Location MeshSearch::classify(const Point3& point, int walkEnd) const {
     const FacetSides sides = predicates.seeFacets(tet, &point);
-    if (sides.notInner == 0) return {LocationKind::Inside, tet};
+    if (sides.notInner == 0) return {LocationKind::INSIDE, tet};
     int coplanar[4];
     int numCoplanar = 0;
     int positive = 0;
@@ -83,7 +83,7 @@ Location MeshSearch::classify(const Point3& point, int walkEnd) const {
             continue;
         }
         const Orientation3 side = predicates.getOrientation3(tet, i, &point);
-        if (side == ORIENTATION3_NEGATIVE) return {LocationKind::Outside, tet, walkEnd};
+        if (side == ORIENTATION3_NEGATIVE) return {LocationKind::OUTSIDE, tet, walkEnd};
         if (side == ORIENTATION3_COPLANAR)
             coplanar[numCoplanar++] = i;
         else
@@ -91,13 +91,13 @@ Location MeshSearch::classify(const Point3& point, int walkEnd) const {
     }
     switch (numCoplanar) {
         case 0:
-            return {LocationKind::Inside, tet};
+            return {LocationKind::INSIDE, tet};
         case 1:
-            return {LocationKind::OnFacet, tet, coplanar[0]};
+            return {LocationKind::ON_FACET, tet, coplanar[0]};
         case 2:
-            return {LocationKind::OnEdge, tet, coplanar[0], coplanar[1]};
+            return {LocationKind::ON_EDGE, tet, coplanar[0], coplanar[1]};
         default:
-            return {LocationKind::AtVertex, tet, -1, -1, MeshAccess::corner(tet, positive)};
+            return {LocationKind::AT_VERTEX, tet, -1, -1, MeshAccess::corner(tet, positive)};
     }
 }
 
@@ -193,7 +193,7 @@ void MeshSearch::consider(Point3* vertex, const Point3& point) {
 /// point, or with those at the hull facets that it sees.
 void MeshSearch::listConflicts(const Point3& point, std::vector<Tet3*>& region) {
     const Location place = locate(point);
-    if (place.tet == nullptr || place.kind == LocationKind::AtVertex) return;
+    if (place.tet == nullptr || place.kind == LocationKind::AT_VERTEX) return;
     std::size_t next = region.size();
     seenTets.clear();
     const auto look = [&](Tet3* candidate) {
@@ -201,7 +201,7 @@ void MeshSearch::listConflicts(const Point3& point, std::vector<Tet3*>& region) 
         if (predicates.sphereInclusionTest(candidate, &point) == SIC_INSIDE)
             region.push_back(candidate);
     };
-    if (place.kind == LocationKind::Outside)
+    if (place.kind == LocationKind::OUTSIDE)
         for (const VisibleHull::Facet& facet : hull.list(&point, place.tet, place.opp3))
             look(facet.tet);
     else

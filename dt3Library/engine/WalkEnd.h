@@ -7,10 +7,10 @@ namespace VARN3D {
 /// Where a walk towards a point has ended.
 struct WalkEnd {
     enum class Place {
-        Inside,    ///< the tetrahedron holds the point, which is no vertex and not on the hull
-        AtVertex,  ///< the point is the tetrahedron's corner `index`
-        AtHull,    ///< the point lies on or beyond the tetrahedron's hull facet `index`
-        OnTheWay,  ///< nothing is known but that the point may be elsewhere
+        INSIDE,      ///< the tetrahedron holds the point, which is no vertex and not on the hull
+        AT_VERTEX,   ///< the point is the tetrahedron's corner `index`
+        AT_HULL,     ///< the point lies on or beyond the tetrahedron's hull facet `index`
+        ON_THE_WAY,  ///< nothing is known but that the point may be elsewhere
     };
 
     Place place;

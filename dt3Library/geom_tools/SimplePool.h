@@ -16,19 +16,19 @@ namespace VARN3D {
 class Tet3;
 
 /// As the size of a further block: the growth rule of `SimplePool` chooses it.
-constexpr std::int32_t poolGrowthRule = -1;
+constexpr std::int32_t POOL_GROWTH_RULE = -1;
 
 /// The sizes of the blocks of a pool, in slots. Specialised for the types that need others.
 template <class T>
 struct SimplePoolTraits {
-    static constexpr std::int32_t initialSize = 4;
-    static constexpr std::int32_t increase = poolGrowthRule;
+    static constexpr std::int32_t INITIAL_SIZE = 4;
+    static constexpr std::int32_t INCREASE = POOL_GROWTH_RULE;
 };
 
 template <>
 struct SimplePoolTraits<Tet3> {
-    static constexpr std::int32_t initialSize = 28;
-    static constexpr std::int32_t increase = poolGrowthRule;
+    static constexpr std::int32_t INITIAL_SIZE = 28;
+    static constexpr std::int32_t INCREASE = POOL_GROWTH_RULE;
 };
 
 /// Hands out slots for objects of type T from a few large blocks, and drops them all at once.
@@ -103,8 +103,8 @@ class SimplePool {
 
   private:
     using Traits = SimplePoolTraits<T>;
-    static_assert(Traits::initialSize > 1, "half of the first block must leave a slot");
-    static_assert(Traits::increase > 0 || Traits::increase == poolGrowthRule,
+    static_assert(Traits::INITIAL_SIZE > 1, "half of the first block must leave a slot");
+    static_assert(Traits::INCREASE > 0 || Traits::INCREASE == POOL_GROWTH_RULE,
                   "a further block must have a slot");
 
     struct FreeBlock {
@@ -120,9 +120,9 @@ class SimplePool {
     std::int32_t getGrownSize() const;
     void useLastBlock();
 
-    static constexpr std::size_t maximumBlockBytes = 100000000;
-    static constexpr std::int32_t maximumBlockSize =
-        static_cast<std::int32_t>(maximumBlockBytes / sizeof(T));
+    static constexpr std::size_t MAXIMUM_BLOCK_BYTES = 100000000;
+    static constexpr std::int32_t MAXIMUM_BLOCK_SIZE =
+        static_cast<std::int32_t>(MAXIMUM_BLOCK_BYTES / sizeof(T));
 
     T* pCurrentBlock = nullptr;
     std::int32_t nextIndex = -1;  // of the last slot handed out
@@ -139,14 +139,14 @@ void SimplePool<T>::init() {
                         << std::endl;
         varnFail("a pool was initialised twice", "false");
     }
-    addBlock(Traits::initialSize);
+    addBlock(Traits::INITIAL_SIZE);
     initialized = true;
 }
 
 template <class T>
 T* SimplePool<T>::allocInNewBlock() {
     varnAssertText(initialized, "initialized");
-    addBlock(Traits::increase);
+    addBlock(Traits::INCREASE);
     nextIndex = 0;
     return pCurrentBlock;
 }
@@ -174,8 +174,8 @@ template <class T>
 std::int32_t SimplePool<T>::getGrownSize() const {
     varnAssertText(!vSizes.empty(), "!vSizes.empty()");
     varnAssertText(vSizes.back() > 0, "vSizes.back()>0");
-    if (vSizes.size() == 1) return std::min(vSizes.back() / 2, maximumBlockSize);
-    return vSizes.back() > maximumBlockSize / 2 ? maximumBlockSize : 2 * vSizes.back();
+    if (vSizes.size() == 1) return std::min(vSizes.back() / 2, MAXIMUM_BLOCK_SIZE);
+    return vSizes.back() > MAXIMUM_BLOCK_SIZE / 2 ? MAXIMUM_BLOCK_SIZE : 2 * vSizes.back();
 }
 
 template <class T>

@@ -27,7 +27,7 @@
 
 namespace VARN3D {
 
-enum class PredicateStage { Filter, Lattice, SmallInteger, MediumInteger, WideInteger };
+enum class PredicateStage { FILTER, LATTICE, SMALL_INTEGER, MEDIUM_INTEGER, WIDE_INTEGER };
 constexpr int NUM_PREDICATE_STAGES = 5;
 
 #ifdef VARN3D_PROFILE

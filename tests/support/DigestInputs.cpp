@@ -1,4 +1,4 @@
-#include "DigestInputs.h"
+#include "tests/support/DigestInputs.h"
 
 #include <cfenv>
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "PointSets.h"
+#include "tests/support/PointSets.h"
 
 namespace support {
 

@@ -2,14 +2,14 @@
 
 #include <vector>
 
-#include "SphereEdges.h"
 #include "dt3Library/kernel/stepsAvx2.h"
 #include "dt3Library/kernel/stepsPortable.h"
+#include "tests/support/SphereEdges.h"
 
 #define LANE_TARGET
 namespace VARN3D::portable {
 namespace {
-#include "laneSphere.h"
+#include "tests/support/laneSphere.h"
 }
 }  // namespace VARN3D::portable
 #undef LANE_TARGET
@@ -18,7 +18,7 @@ namespace {
 #define LANE_TARGET __attribute__((target("avx2,fma,bmi,popcnt")))
 namespace VARN3D::avx2 {
 namespace {
-#include "laneSphere.h"
+#include "tests/support/laneSphere.h"
 }
 }  // namespace VARN3D::avx2
 #undef LANE_TARGET

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "Exact.h"
+#include "tests/support/Exact.h"
 
 /// The exact decisions, faster where all coordinates are small multiples of a half: there the
 /// determinants fit 64 bits. Brute force on lattices lives on it.

@@ -1,4 +1,4 @@
-#include "MeshDigest.h"
+#include "tests/support/MeshDigest.h"
 
 #include <algorithm>
 #include <set>

@@ -9,9 +9,9 @@
 #include <utility>
 #include <vector>
 
-#include "CaptureOutput.h"
-#include "PointSets.h"
 #include "dt3Library/Tet3.h"
+#include "tests/support/CaptureOutput.h"
+#include "tests/support/PointSets.h"
 
 /// Families of five points that are hard for a predicate, each in its own way.
 namespace support {

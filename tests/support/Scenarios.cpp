@@ -1,4 +1,4 @@
-#include "Scenarios.h"
+#include "tests/support/Scenarios.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "PointSets.h"
+#include "tests/support/PointSets.h"
 
 namespace support {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Exact.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/CertifiedSphere.h"
 #include "dt3Library/kernel/ExactFrame.h"
+#include "tests/support/Exact.h"
 
 /// Tetrahedra whose circumsphere is only just certified, and the points that such a sphere is most
 /// likely to be wrong about.
