@@ -210,19 +210,14 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     const WalkEnd place = locator.locate(pVtx, pCurTet);
     engineCheck(place.place != WalkEnd::Place::ON_THE_WAY, checks::WALK_ENDS);
     VARN3D_COUNT(insertions, 1);
-    pRecentTet = insertAt(place, pVtx);
-    if (place.place != WalkEnd::Place::AT_VERTEX) ++numInMesh;
-    return pRecentTet;
-}
-
-/// Inserts a vertex where it has been found to lie. One that equals a vertex of the mesh is
-/// replaced by that.
-Tet3* Dt3::insertAt(const WalkEnd& place, Point3*& pVtx) {
     if (place.place == WalkEnd::Place::AT_VERTEX) {
         pVtx = MeshAccess::corner(place.tet, place.index);
-        return place.tet;
+        pRecentTet = place.tet;
+    } else {
+        pRecentTet = cavity.insert(pVtx, place);
+        ++numInMesh;
     }
-    return cavity.insert(pVtx, place);
+    return pRecentTet;
 }
 
 Tet3* Dt3::startTetNear(const Point3& point) {
