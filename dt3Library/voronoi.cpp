@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/base/vectors.h"
@@ -143,7 +144,7 @@ class CellMaker {
 }  // namespace
 
 VoronoiCell getVoronoiCell(const Varn_3D& /*mesh*/, const Point3* pVtx) {
-    varnAssertText(pVtx->getOneTet() != nullptr, "pVtx->getOneTet()!=NULL");
+    engineCheck(pVtx->getOneTet() != nullptr, checks::CELL_OF_MESH_VERTEX);
     return guarded("getVoronoiCell()", [&] {
         // As a corner the vertex can be changed.
         const Tet3* tet = pVtx->getOneTet();

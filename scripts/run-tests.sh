@@ -33,7 +33,7 @@ full_set() {
 scripts/run-tests.sh together
 scripts/run-python-tests.sh
 scripts/run-tests.sh thread=test_threads
-scripts/run-valgrind.sh
+scripts/run-valgrind.sh 8
 scripts/check-static.sh dt3Library/*.cpp dt3Library/*/*.cpp
 scripts/run-tests.sh sanitize=test_insertion,test_location,test_memory,test_mesh_oracle,test_pools,test_predicates,test_spheres,test_store
 scripts/run-fuzz.sh 60
