@@ -6,7 +6,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/base/vectors.h"
@@ -150,7 +152,9 @@ class CellMaker {
 
 }  // namespace
 
-VoronoiCell getVoronoiCell(const Varn_3D& /*mesh*/, const Point3* pVtx) {
+VoronoiCell getVoronoiCell(const Varn_3D& mesh, const Point3* pVtx) {
+    if (!mesh.engine().getStore().has(pVtx))
+        varnFail("a Voronoi cell of what is no vertex of the mesh", "mesh has pVtx");
     varnAssertText(pVtx->getOneTet() != nullptr, "pVtx->getOneTet()!=NULL");
     return guarded("getVoronoiCell()", [&] {
         // As a corner the vertex can be changed.
