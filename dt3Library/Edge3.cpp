@@ -4,8 +4,8 @@
 #include <iostream>
 #include <utility>
 
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/facets.h"
-#include "dt3Library/tools.h"
 
 namespace VARN3D {
 
@@ -22,7 +22,7 @@ int cornerAfter(int opp3, int opp2, int steps) {
 }  // namespace
 
 Edge3::Edge3(Tet3* pTheTet, int opp3, int opp2) : pTet(pTheTet), opp3ICI(opp3), opp2ICI(opp2) {
-    for (const int ith : {opp3, opp2}) varnAssertText(range03(ith), "range03(ith)");
+    for (const int ith : {opp3, opp2}) engineCheck(range03(ith), checks::EDGE_INDEX);
     pLowVtx = getSourceVtx();
     pHighVtx = getTargetVtx();
     if (std::less<Point3*>()(pHighVtx, pLowVtx)) std::swap(pLowVtx, pHighVtx);

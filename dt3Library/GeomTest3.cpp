@@ -3,10 +3,10 @@
 #include <cmath>
 #include <limits>
 
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/predicates/predicateStages.h"
-#include "dt3Library/tools.h"
 
 namespace VARN3D {
 
@@ -78,7 +78,7 @@ const char* getOrientationName(Orientation3 orientation) {
         case ORIENTATION3_COPLANAR:
             return "ORI3_ZERO";
     }
-    varnAssertAt(false, "false", __FILE__, 34);
+    engineCheck(false, checks::ORIENTATION_HAS_NAME);
     return "";
 }
 
@@ -120,7 +120,7 @@ Orientation3 GeomTest3::getOrientation3(const Point3* pa, const Point3* pb, cons
 }
 
 Orientation3 GeomTest3::getOrientation3(const Tet3* pC, int ith, const Point3* pD) const {
-    varnAssertAt(range03(ith), "range03(ith)", "dt3Library/GeomTest3.h", 88);
+    engineCheck(range03(ith), checks::ORIENTATION_CORNER);
     if (pC == nullptr) goToHell("getOrientation3, pC==NULL");
     const auto& facet = OUTER_FACET[ith];
     return getOrientation3(MeshAccess::corner(pC, facet[0]), MeshAccess::corner(pC, facet[1]),

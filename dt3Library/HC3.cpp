@@ -4,11 +4,11 @@
 #include <atomic>
 #include <functional>
 
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/messages.h"
 #include "dt3Library/store/CurveSort.h"
 #include "dt3Library/store/radixSort.h"
-#include "dt3Library/tools.h"
 
 namespace VARN3D {
 
@@ -35,13 +35,13 @@ void orderWithinCell(Point3** first, Point3** last) {
 HC3::HC3(unsigned keyBits) : numBits(keyBits) {
     if (numBits == 0 || numBits >= 33 || numBits % 3 != 0) {
         messageStream() << "HC3::HC3(..): invalid bitlength" << std::endl;
-        varnFail("the store's keys have an invalid length", "false");
+        engineFail("the store's keys have an invalid length", checks::KEY_LENGTH);
     }
     vertices.init();
 }
 
 std::uint32_t HC3::hilbertIndex(const Point3& point) const {
-    varnAssertText(bValid, "bValid");
+    engineCheck(bValid, checks::KEYS_HAVE_GRID);
     return grid.keyOf(point);
 }
 
@@ -99,7 +99,7 @@ void HC3::enterInTable(VertexTable::Place place, Point3* vertex) {
 
 void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
                  std::vector<Point3*>& vNew, BatchProgress& progress) {
-    varnAssertText(vUserHandles.empty(), "vUserHandles.empty()");
+    engineCheck(vUserHandles.empty(), checks::NO_HANDLES_YET);
     if (points.empty()) return;
     vUserHandles.resize(points.size());
     vNew.reserve(points.size());

@@ -1,11 +1,7 @@
 #include "dt3Library/Iterators.h"
 
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/messages.h"
-#include "dt3Library/tools.h"
-
-/// The circulator's checks are known by the header's name and these lines.
-#define circulatorCheck(condition, text, line) \
-    varnAssertAt(condition, text, "dt3Library/Iterators.h", line)
 
 namespace VARN3D {
 
@@ -30,22 +26,22 @@ bool TetAroundEdgeIterator::operator==(const TetAroundEdgeIterator& other) const
 }
 
 void TetAroundEdgeIterator::setPayload(Tet3* pTet) {
-    circulatorCheck(storedPayload == nullptr, "storedPayload==NULL", 60);
+    engineCheck(storedPayload == nullptr, checks::PAYLOAD_FREE);
     storedPayload = pTet;
 }
 
 Tet3* TetAroundEdgeIterator::getPayload() const {
-    circulatorCheck(storedPayload != nullptr, "storedPayload!=NULL", 65);
+    engineCheck(storedPayload != nullptr, checks::PAYLOAD_SET);
     return storedPayload;
 }
 
 void TetAroundEdgeIterator::setPayloadICI(int ici) {
-    circulatorCheck(storedPayloadICI == -1, "storedPayloadICI==-1", 70);
+    engineCheck(storedPayloadICI == -1, checks::PAYLOAD_INDEX_FREE);
     storedPayloadICI = ici;
 }
 
 int TetAroundEdgeIterator::getPayloadICI() const {
-    circulatorCheck(storedPayloadICI != -1, "storedPayloadICI!=-1", 75);
+    engineCheck(storedPayloadICI != -1, checks::PAYLOAD_INDEX_SET);
     return storedPayloadICI;
 }
 

@@ -5,12 +5,12 @@
 #include "dt3Library/Edge3.h"
 #include "dt3Library/Facet3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/base/messages.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
 #include "dt3Library/predicates/FloatingPointScope.h"
-#include "dt3Library/tools.h"
 
 namespace VARN3D {
 
@@ -48,13 +48,13 @@ Tet3& Tet3::operator=(const Tet3& other) {
 }
 
 void Tet3::failRange03(int ith) {
-    varnAssertText(range03(ith), "range03(ith)");
+    engineCheck(range03(ith), checks::CORNER_INDEX);
     std::abort();  // only called with an index out of range
 }
 
 void Tet3::setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL) {
-    varnAssertAt(pI != nullptr && pJ != nullptr && pK != nullptr && pL != nullptr,
-                 "(pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL)", __FILE__, 140);
+    engineCheck(pI != nullptr && pJ != nullptr && pK != nullptr && pL != nullptr,
+                checks::ALL_CORNERS);
     label = takeLabel();
     Point3* const corners[4] = {pI, pJ, pK, pL};
     for (int i = 0; i < 4; ++i) {
@@ -69,7 +69,7 @@ void Tet3::setProperties(Point3* pI, Point3* pJ, Point3* pK, Point3* pL) {
 // ---- Corners -----------------------------------------------------------------------------------
 
 void Tet3::setCorner(int ith, Point3* p) {
-    varnAssertText(range03(ith), "range03(ith)");
+    engineCheck(range03(ith), checks::CORNER_TO_SET);
     aVertexPointer[ith] = p;
 }
 
@@ -83,7 +83,7 @@ void Tet3::getCorners(Point3*& p0, Point3*& p1, Point3*& p2, Point3*& p3) const 
 int Tet3::getIntraTetIndex(const Point3* pp) const {
     for (int i = 0; i < 3; ++i)
         if (aVertexPointer[i] == pp) return i;
-    varnAssertText(aVertexPointer[3] == pp, "aVertexPointer[3]==pp");
+    engineCheck(aVertexPointer[3] == pp, checks::IS_CORNER);
     return 3;
 }
 
@@ -100,7 +100,8 @@ bool Tet3::hasVertex(const Point3& p) const {
 }
 
 Point3 Tet3::getCircumcenter() const {
-    for (const Point3* corner : aVertexPointer) varnAssertText(corner != nullptr, "corner!=NULL");
+    for (const Point3* corner : aVertexPointer)
+        engineCheck(corner != nullptr, checks::BOX_OF_CORNERS);
     const Point3& a = *aVertexPointer[0];
     const Vector3 b = *aVertexPointer[1] - a;
     const Vector3 c = *aVertexPointer[2] - a;
@@ -129,8 +130,8 @@ void Tet3::setOppTet(int ith, Tet3* pC) {
         printWarning("Tet3::setOppTet()",
                      "trying to set *this as neighbor of *this, ith=" + std::to_string(ith));
     }
-    varnAssertText(this != pC, "this!=pC");
-    varnAssertText(range03(ith), "range03(ith)");
+    engineCheck(this != pC, checks::NO_OWN_NEIGHBOUR);
+    engineCheck(range03(ith), checks::NEIGHBOUR_TO_SET);
     aOppTets[ith] = pC;
 }
 
@@ -145,7 +146,7 @@ int Tet3::getIntraTetIndex(const Tet3* pNeig) const {
 
 int Tet3::getIntraTetIndexInOppTet(int ith) const {
     const Tet3* pOpp = getOppTet(ith);
-    varnAssertText(pOpp != nullptr, "pOpp!=NULL");
+    engineCheck(pOpp != nullptr, checks::INDEX_IN_NEIGHBOUR);
     return pOpp->getIntraTetIndex(this);
 }
 
@@ -154,13 +155,13 @@ Point3* Tet3::getOppVtxInOppTet(int ith, bool bNullAllowed) const {
     if (pOpp != nullptr) return pOpp->aVertexPointer[pOpp->getIntraTetIndex(this)];
     if (!bNullAllowed) {
         printError("Tet3::getOppVtxInOppTet", "no neighbor tet");
-        varnFail("no neighbour tetrahedron", "false");
+        engineFail("no neighbour tetrahedron", checks::HAS_NEIGHBOUR);
     }
     return nullptr;
 }
 
 int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const {
-    varnAssertText(range03(ith), "false");
+    engineCheck(range03(ith), checks::FACET_TO_REGISTER);
     const auto isOnFacet = [pOther, ith](const Point3* p) {
         for (int k = 0; k < 4; ++k)
             if (k != ith && pOther->aVertexPointer[k] == p) return true;
@@ -168,10 +169,7 @@ int Tet3::getIntraTetIndexInOppTetForReg(const Tet3* pOther, int ith) const {
     };
     for (int i = 0; i < 3; ++i)
         if (!isOnFacet(aVertexPointer[i])) return i;
-    static constexpr const char* CONDITIONS[4] = {
-        "pd!=p1 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p1 && pd!=p3",
-        "pd!=p0 && pd!=p1 && pd!=p2"};
-    varnAssertText(!isOnFacet(aVertexPointer[3]), CONDITIONS[ith]);
+    engineCheck(!isOnFacet(aVertexPointer[3]), checks::CORNER_OFF_FACET[ith]);
     return 3;
 }
 
@@ -208,7 +206,7 @@ Facet3 Tet3::getFacet(int ith) {
 }
 
 void Tet3::getFacetIndices(int opp3, int& a, int& b, int& c) const {
-    varnAssertText(range03(opp3), "range03(opp3)");
+    engineCheck(range03(opp3), checks::FACET_INDEX);
     a = INNER_FACET[opp3][0];
     b = INNER_FACET[opp3][1];
     c = INNER_FACET[opp3][2];
@@ -217,7 +215,7 @@ void Tet3::getFacetIndices(int opp3, int& a, int& b, int& c) const {
 Edge3 Tet3::getEdge(int opp3ICI, int opp2ICI) {
     if (opp3ICI == opp2ICI)
         printError("Tet3::getEdge()", "opp3ICI==opp2ICI=" + std::to_string(opp3ICI));
-    varnAssertText(opp3ICI != opp2ICI, "opp3ICI!=opp2ICI");
+    engineCheck(opp3ICI != opp2ICI, checks::EDGE_OF_TWO);
     return Edge3(this, opp3ICI, opp2ICI);
 }
 

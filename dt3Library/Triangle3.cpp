@@ -2,14 +2,14 @@
 
 #include <iostream>
 
-#include "dt3Library/tools.h"
+#include "dt3Library/base/EngineCheck.h"
 
 namespace VARN3D {
 
 namespace {
 
 void checkIndex(int i) {
-    varnAssertAt(i > -1 && i < 3, "i>-1 && i<3", "dt3Library/Triangle3.h", 22);
+    engineCheck(i > -1 && i < 3, checks::TRIANGLE_CORNER);
 }
 
 }  // namespace
@@ -51,7 +51,8 @@ int Triangle3::getIntraTriangleIndex(Point3* p1, Point3* p2) const {
 }
 
 Point3 Triangle3::getBarycenter() const {
-    for (const Point3* corner : aCorners) varnAssertText(corner != nullptr, "corner!=NULL");
+    for (const Point3* corner : aCorners)
+        engineCheck(corner != nullptr, checks::TRIANGLE_OF_CORNERS);
     return Point3((aCorners[0]->x() + aCorners[1]->x() + aCorners[2]->x()) / 3,
                   (aCorners[0]->y() + aCorners[1]->y() + aCorners[2]->y()) / 3,
                   (aCorners[0]->z() + aCorners[1]->z() + aCorners[2]->z()) / 3);

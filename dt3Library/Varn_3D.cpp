@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "dt3Library/Dt3.h"
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/messages.h"
 #include "dt3Library/engine/hostCalls.h"
 #include "dt3Library/engine/star.h"
@@ -16,7 +17,7 @@ Varn_3D::Varn_3D(Varn_3D&&) noexcept = default;
 Varn_3D& Varn_3D::operator=(Varn_3D&&) noexcept = default;
 
 Dt3& Varn_3D::engine() const {
-    varnAssertText(pDt3 != nullptr, "pDt3!=NULL");
+    engineCheck(pDt3 != nullptr, checks::FACADE_HAS_ENGINE);
     return *pDt3;
 }
 

@@ -6,7 +6,7 @@
 #include <ctime>
 #include <stdexcept>
 
-#include "dt3Library/tools.h"
+#include "dt3Library/base/EngineCheck.h"
 
 namespace VARN3D {
 
@@ -36,7 +36,7 @@ void generateRandomNumbers(std::uint64_t num, double min, double max, std::vecto
         std::srand(seed);
     else
         seedByTime();
-    varnAssertText(min < max, "min<max");
+    engineCheck(min < max, checks::RANGE_OF_NUMBERS);
     if (num > out.max_size() - out.size()) throw std::length_error("generateRandomNumbers");
     auto number = out.insert(out.end(), static_cast<std::size_t>(num), 0.0);
     for (; number != out.end(); ++number) *number = toRange(std::rand(), min, max);
@@ -44,7 +44,7 @@ void generateRandomNumbers(std::uint64_t num, double min, double max, std::vecto
 
 void generateRandomPoints(std::uint64_t num, double min, double max, std::vector<Point3>& out,
                           std::uint32_t seed) {
-    varnAssertText(min < max, "min<max");
+    engineCheck(min < max, checks::RANGE_OF_POINTS);
     std::vector<double> numbers;
     if (num > numbers.max_size() / 3) throw std::length_error("generateRandomPoints");
     generateRandomNumbers(3 * num, min, max, numbers, seed);

@@ -40,13 +40,7 @@ inline bool range02(int ith) {
 /// Checks a condition in every build; a failure is reported under the condition's source text.
 #define varnAssert(condition) varnAssertAt(condition, #condition, __FILE__, __LINE__)
 
-/// The same under a text of its own, which no formatting of the source can change.
-#define varnAssertText(condition, text) varnAssertAt(condition, text, __FILE__, __LINE__)
-
-/// The same where the check has a fixed place: a file and line that name it in every version of
-/// the library, wherever it stands today.
+/// The same under a text, a file and a line that name the check in every version of the library,
+/// wherever it stands today.
 #define varnAssertAt(condition, text, file, line) \
     ((condition) ? static_cast<void>(0) : ::VARN3D::conditionFailed(text, file, line))
-
-/// A check that has failed, with the reason for the exception.
-#define varnFail(reason, text) ::VARN3D::conditionFailed(text, __FILE__, __LINE__, reason)

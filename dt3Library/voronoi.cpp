@@ -9,6 +9,7 @@
 #include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/Varn_3D.h"
+#include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/base/vectors.h"
@@ -154,8 +155,8 @@ class CellMaker {
 
 VoronoiCell getVoronoiCell(const Varn_3D& mesh, const Point3* pVtx) {
     if (!mesh.engine().getStore().has(pVtx))
-        varnFail("a Voronoi cell of what is no vertex of the mesh", "mesh has pVtx");
-    varnAssertText(pVtx->getOneTet() != nullptr, "pVtx->getOneTet()!=NULL");
+        engineFail("a Voronoi cell of what is no vertex of the mesh", checks::CELL_OF_OWN_VERTEX);
+    engineCheck(pVtx->getOneTet() != nullptr, checks::CELL_OF_MESH_VERTEX);
     return guarded("getVoronoiCell()", [&] {
         // As a corner the vertex can be changed.
         const Tet3* tet = pVtx->getOneTet();

@@ -7,6 +7,7 @@
 #include "tests/support/Failures.h"
 
 using namespace VARN3D;
+using support::checkReport;
 using support::failureOf;
 using support::outputOf;
 
@@ -139,14 +140,15 @@ TEST_F(MeshHandles, IndicesAreChecked) {
             EXPECT_EQ(edge.getOpp2Index(), corners[opp3][ith]);
         }
     const Facet3 facet(tet, 2);
-    const auto report = support::endsInCheck("", "range02(ith)", "dt3Library/Facet3.cpp");
     for (const int ith : {-1, 3}) {
-        EXPECT_THAT(failureOf([&] { facet.getIntraTetIndex(ith); }), report);
-        EXPECT_THAT(failureOf([&] { facet.getEdge(ith); }), report);
+        EXPECT_EQ(failureOf([&] { facet.getIntraTetIndex(ith); }),
+                  checkReport("range02(ith)", "dt3Library/Facet3.cpp:13"));
+        EXPECT_EQ(failureOf([&] { facet.getEdge(ith); }),
+                  checkReport("range02(ith)", "dt3Library/Facet3.cpp:18"));
     }
     for (const int opp3 : {-1, 4})
-        EXPECT_THAT(failureOf([&] { tet->getFacet(opp3); }),
-                    support::endsInCheck("", "range03(opp3)", "dt3Library/Facet3.cpp"));
+        EXPECT_EQ(failureOf([&] { tet->getFacet(opp3); }),
+                  checkReport("range03(opp3)", "dt3Library/Facet3.cpp:9"));
     const std::pair<int, int> noEdges[] = {{4, 0}, {0, 4}, {-1, 0}, {0, -1}, {2, 2}};
     for (const auto& [opp3, opp2] : noEdges)
         EXPECT_THAT(failureOf([&, i = opp3, j = opp2] { Edge3(tet, i, j); }),
@@ -155,20 +157,20 @@ TEST_F(MeshHandles, IndicesAreChecked) {
 
 TEST_F(MeshHandles, PayloadIsSetOnceAndItsIndexIsNotCopied) {
     TetAroundEdgeIterator it(Edge3(tets.front(), 0, 1));
-    const auto report = [](const std::string& condition) {
-        return support::endsInCheck("", condition, "dt3Library/Iterators.h");
+    const auto report = [](const std::string& condition, const std::string& number) {
+        return checkReport(condition, "dt3Library/Iterators.h:" + number);
     };
-    EXPECT_THAT(failureOf([&] { it.getPayload(); }), report("storedPayload!=NULL"));
-    EXPECT_THAT(failureOf([&] { it.getPayloadICI(); }), report("storedPayloadICI!=-1"));
+    EXPECT_EQ(failureOf([&] { it.getPayload(); }), report("storedPayload!=NULL", "65"));
+    EXPECT_EQ(failureOf([&] { it.getPayloadICI(); }), report("storedPayloadICI!=-1", "75"));
     it.setPayload(tets.back());
     it.setPayloadICI(2);
-    EXPECT_THAT(failureOf([&] { it.setPayload(tets.back()); }), report("storedPayload==NULL"));
-    EXPECT_THAT(failureOf([&] { it.setPayloadICI(3); }), report("storedPayloadICI==-1"));
+    EXPECT_EQ(failureOf([&] { it.setPayload(tets.back()); }), report("storedPayload==NULL", "60"));
+    EXPECT_EQ(failureOf([&] { it.setPayloadICI(3); }), report("storedPayloadICI==-1", "70"));
     EXPECT_EQ(it.getPayloadICI(), 2);
 
     const TetAroundEdgeIterator copy(it);
     EXPECT_EQ(copy.getPayload(), tets.back());
-    EXPECT_THAT(failureOf([&] { copy.getPayloadICI(); }), report("storedPayloadICI!=-1"));
+    EXPECT_EQ(failureOf([&] { copy.getPayloadICI(); }), report("storedPayloadICI!=-1", "75"));
 }
 
 TEST_F(MeshHandles, Output) {

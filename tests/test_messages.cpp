@@ -63,8 +63,8 @@ TEST(Messages, GoToStandardOutputOrToTheHostsStream) {
     };
     const std::string expected = use();
     EXPECT_THAT(expected, ::testing::StartsWith("numPoints=0\n\n      Dt3::locate(), ERROR: "));
-    EXPECT_THAT(expected,
-                ::testing::HasSubstr(support::checkReport("std::isfinite", "dt3Library/Dt3.cpp")));
+    EXPECT_THAT(expected, ::testing::HasSubstr(
+                              support::checkReport("std::isfinite", "dt3Library/Dt3.cpp:70")));
     EXPECT_THAT(expected, ::testing::EndsWith("Null length vector!\n"));
     EXPECT_EQ(outputOf([&] { EXPECT_EQ(use(), ""); }), expected);
     EXPECT_EQ(outputOf([&] {

@@ -261,7 +261,7 @@ TEST(Voronoi, IsOfVerticesOfTheMeshOnly) {
     for (const Point3* vertex : strangers) {
         const std::string message =
             outputOf([&] { EXPECT_THROW(getVoronoiCell(mesh, vertex), VarnException); });
-        EXPECT_THAT(message, testing::HasSubstr("mesh has pVtx"));
+        EXPECT_THAT(message, testing::HasSubstr("[ mesh has pVtx failed ]"));
     }
     EXPECT_FALSE(getVoronoiCell(mesh, handles[0]).facets.empty());
 }

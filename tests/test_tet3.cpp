@@ -18,6 +18,7 @@
 #endif
 
 using namespace VARN3D;
+using support::checkReport;
 using support::failureOf;
 using support::outputOf;
 using support::printed;
@@ -26,7 +27,7 @@ using ::testing::HasSubstr;
 
 namespace {
 
-const char* const FILE_NAME = "dt3Library/Tet3.cpp";
+const std::string FILE_NAME = "dt3Library/Tet3.cpp:";
 
 std::unique_ptr<Tet3> makeTet() {
     std::unique_ptr<Tet3> tet;
@@ -179,35 +180,35 @@ TEST_F(Tets, FailedChecksNameTheirCondition) {
     int a;
     const struct {
         std::function<void()> operation;
-        std::string before, condition;
+        std::string before, condition, number;
     } rows[] = {
-        {[&] { tet->getCorner(-1); }, "", "range03(ith)"},
-        {[&] { tet->getCorner(4); }, "", "range03(ith)"},
-        {[&] { tet->setCorner(4, &p[0]); }, "", "range03(ith)"},
-        {[&] { tet->getOppTet(4); }, "", "range03(ith)"},
-        {[&] { tet->setOppTet(-1, nullptr); }, "", "range03(ith)"},
-        {[&] { tet->getOppVtxInOppTet(4, true); }, "", "range03(ith)"},
-        {[&] { tet->debug_getOppTetIndex(-1); }, "", "range03(ith)"},
-        {[&] { tet->getFacetIndices(4, a, a, a); }, "", "range03(opp3)"},
-        {[&] { Tet3::haveCommonFacet(tet.get(), 4, tet.get(), 0); }, "", "range03(opp3)"},
-        {[&] { tet->getIntraTetIndex(&p[4]); }, "", "aVertexPointer[3]==pp"},
-        {[&] { tet->getOppTet(&p[4]); }, "", "aVertexPointer[3]==pp"},
-        {[&] { tet->getIntraTetIndexInOppTetForReg(tet.get(), 4); }, "", "false"},
+        {[&] { tet->getCorner(-1); }, "", "range03(ith)", "51"},
+        {[&] { tet->getCorner(4); }, "", "range03(ith)", "51"},
+        {[&] { tet->setCorner(4, &p[0]); }, "", "range03(ith)", "72"},
+        {[&] { tet->getOppTet(4); }, "", "range03(ith)", "51"},
+        {[&] { tet->setOppTet(-1, nullptr); }, "", "range03(ith)", "133"},
+        {[&] { tet->getOppVtxInOppTet(4, true); }, "", "range03(ith)", "51"},
+        {[&] { tet->debug_getOppTetIndex(-1); }, "", "range03(ith)", "51"},
+        {[&] { tet->getFacetIndices(4, a, a, a); }, "", "range03(opp3)", "211"},
+        {[&] { Tet3::haveCommonFacet(tet.get(), 4, tet.get(), 0); }, "", "range03(opp3)", "211"},
+        {[&] { tet->getIntraTetIndex(&p[4]); }, "", "aVertexPointer[3]==pp", "86"},
+        {[&] { tet->getOppTet(&p[4]); }, "", "aVertexPointer[3]==pp", "86"},
+        {[&] { tet->getIntraTetIndexInOppTetForReg(tet.get(), 4); }, "", "false", "163"},
         {[&] { tet->getOppVtxInOppTet(2, false); },
-         "\n      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet\n\n", "false"},
-        {[&] { tet->getIntraTetIndexInOppTet(2); }, "", "pOpp!=NULL"},
-        {[] { makeTet()->getCircumcenter(); }, "", "corner!=NULL"},
+         "\n      Tet3::getOppVtxInOppTet, ERROR: no neighbor tet\n\n", "false", "157"},
+        {[&] { tet->getIntraTetIndexInOppTet(2); }, "", "pOpp!=NULL", "148"},
+        {[] { makeTet()->getCircumcenter(); }, "", "corner!=NULL", "103"},
         {[&] { tet->getEdge(2, 2); }, "\n      Tet3::getEdge(), ERROR: opp3ICI==opp2ICI=2\n\n",
-         "opp3ICI!=opp2ICI"},
+         "opp3ICI!=opp2ICI", "220"},
         {[&] { tet->setOppTet(7, tet.get()); },
          "this=" + printed(tet.get()) + ", pC=" + printed(tet.get()) + "\n" + printed(*tet) +
              "\n      Tet3::setOppTet(), WARNING: trying to set *this as neighbor of *this, "
              "ith=7\n\n",
-         "this!=pC"},
+         "this!=pC", "132"},
     };
     for (const auto& row : rows)
-        EXPECT_THAT(failureOf(row.operation),
-                    support::endsInCheck(row.before, row.condition, FILE_NAME));
+        EXPECT_EQ(failureOf(row.operation),
+                  row.before + checkReport(row.condition, FILE_NAME + row.number));
 
     const char* const facetConditions[4] = {
         "pd!=p1 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p2 && pd!=p3", "pd!=p0 && pd!=p1 && pd!=p3",
@@ -215,16 +216,14 @@ TEST_F(Tets, FailedChecksNameTheirCondition) {
     for (int ith = 0; ith < 4; ++ith) {
         Point3* const onFacet = &p[(ith + 1) % 4];
         stranger->setProperties(onFacet, onFacet, onFacet, onFacet);
-        EXPECT_THAT(failureOf([&] { stranger->getIntraTetIndexInOppTetForReg(tet.get(), ith); }),
-                    support::endsInCheck("", facetConditions[ith], FILE_NAME));
+        EXPECT_EQ(failureOf([&] { stranger->getIntraTetIndexInOppTetForReg(tet.get(), ith); }),
+                  checkReport(facetConditions[ith], FILE_NAME + std::to_string(174 + ith)));
     }
     for (int missing = 0; missing < 4; ++missing) {
         Point3* c[4] = {&p[0], &p[1], &p[2], &p[3]};
         c[missing] = nullptr;
         EXPECT_EQ(failureOf([&] { tet->setProperties(c[0], c[1], c[2], c[3]); }),
-                  support::checkReport("(pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL)",
-                                       "dt3Library/Tet3.cpp") +
-                      "140\n");
+                  checkReport("(pI!=NULL && pJ!=NULL && pK!=NULL && pL!=NULL)", FILE_NAME + "140"));
     }
 }
 

@@ -137,7 +137,8 @@ void SimplePool<T>::init() {
     if (initialized) {
         messageStream() << "SimplePool::init(..), ERROR: This pool is already initialized"
                         << std::endl;
-        varnFail("a pool was initialised twice", "false");
+        conditionFailed("false", "dt3Library/geom_tools/SimplePool.h", 140,
+                        "a pool was initialised twice");
     }
     addBlock(Traits::INITIAL_SIZE);
     initialized = true;
@@ -145,7 +146,7 @@ void SimplePool<T>::init() {
 
 template <class T>
 T* SimplePool<T>::allocInNewBlock() {
-    varnAssertText(initialized, "initialized");
+    varnAssertAt(initialized, "initialized", "dt3Library/geom_tools/SimplePool.h", 148);
     addBlock(Traits::INCREASE);
     nextIndex = 0;
     return pCurrentBlock;
@@ -158,7 +159,7 @@ void SimplePool<T>::addBlock(std::int32_t request) {
     Block block{std::unique_ptr<T, FreeBlock>(static_cast<T*>(pMemory)), size};
     if (pMemory == nullptr) {
         messageStream() << "SimplePool::alloc(..), ERROR: Out of memory, sorry" << std::endl;
-        varnFail("out of memory", "false");
+        conditionFailed("false", "dt3Library/geom_tools/SimplePool.h", 161, "out of memory");
     }
     vBlocks.push_back(std::move(block));
     try {
@@ -172,8 +173,6 @@ void SimplePool<T>::addBlock(std::int32_t request) {
 
 template <class T>
 std::int32_t SimplePool<T>::getGrownSize() const {
-    varnAssertText(!vSizes.empty(), "!vSizes.empty()");
-    varnAssertText(vSizes.back() > 0, "vSizes.back()>0");
     if (vSizes.size() == 1) return std::min(vSizes.back() / 2, MAXIMUM_BLOCK_SIZE);
     return vSizes.back() > MAXIMUM_BLOCK_SIZE / 2 ? MAXIMUM_BLOCK_SIZE : 2 * vSizes.back();
 }

@@ -18,21 +18,9 @@ std::string failureOf(Operation operation) {
     return outputOf([&] { EXPECT_THROW(operation(), VARN3D::VarnException); });
 }
 
-/// The report of a failed check, up to its line number.
-inline std::string checkReport(const std::string& condition, const std::string& file) {
-    return "\n      Varn, , ERROR: Condition [ " + condition + " failed ]\n\n      " + file + ":";
-}
-
-/// Output that ends in the report of a failed check, and what stands before it.
-inline auto endsInCheck(const std::string& before, const std::string& condition,
-                        const std::string& file) {
-    const auto endsInNumber = [](const std::string& output) {
-        const std::size_t lineNumber = output.find_last_of(':') + 1;
-        const std::size_t end = output.find_first_not_of("0123456789", lineNumber);
-        return end > lineNumber && end + 1 == output.size() && output[end] == '\n';
-    };
-    return ::testing::AllOf(::testing::StartsWith(before + checkReport(condition, file)),
-                            ::testing::ResultOf(endsInNumber, true));
+/// The report of a failed check; the place is a file and a line number.
+inline std::string checkReport(const std::string& condition, const std::string& place) {
+    return "\n      Varn, , ERROR: Condition [ " + condition + " failed ]\n\n      " + place + "\n";
 }
 
 template <class T>
