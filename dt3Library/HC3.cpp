@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
@@ -255,6 +256,15 @@ void HC3::rewind(const Mark& mark) noexcept {
     bValid = mark.bValid;
     bPoolInCurveOrder = mark.bPoolInCurveOrder;
     bTableValid = false;
+}
+
+bool HC3::has(const Point3* vertex) const {
+    bool bFound = false;
+    vertices.forEachBlock([&](const Point3* first, int used) {
+        const std::less<const Point3*> precedes;
+        bFound = bFound || (!precedes(vertex, first) && precedes(vertex, first + used));
+    });
+    return bFound;
 }
 
 void HC3::getVertices(std::vector<Point3*>& vVertices) const {

@@ -69,6 +69,9 @@ class HC3 {
 
     std::size_t getNumVertices() const { return numVertices; }
 
+    /// Whether this is the address of a stored vertex. O(log n).
+    bool has(const Point3* vertex) const;
+
     /// Appends all vertices in curve order; equal keys in the order of their storing. O(n).
     void getVertices(std::vector<Point3*>& vVertices) const;
 

@@ -14,7 +14,7 @@ namespace VARN3D {
 /// has set by `Point3::setIndex` doesn't count.
 struct IndexedMesh {
     /// The corners of each tetrahedron, positively oriented (see `Tet3`). The order is that of
-    /// `Varn_3D::getTetrahedra`.
+    /// `Varn_3D::getTetrahedra`, in which addresses play no part.
     std::vector<std::array<std::int32_t, 4>> tetrahedra;
     /// For each tetrahedron the positions of its neighbours in the list; neighbour i lies opposite
     /// corner i, and -1 stands for the outside of the convex hull.

@@ -16,7 +16,7 @@ class Varn_3D;
 /// Each query starts where the last one ended, so that points in a spatial order, or along a path,
 /// are found in nearly constant time. Where points jump about, it starts at the nearest of a sample
 /// of the vertices, which the locator takes when it is first needed: O(n) at little cost, and some
-/// 30 bytes for every 32 vertices.
+/// 30 bytes for every 8 vertices.
 ///
 /// A locator is used by one thread at a time. Several threads may have locators of the same mesh
 /// and use them at once while nobody inserts. The mesh must outlive its locators. They see what is

@@ -26,7 +26,7 @@ bool Varn_3D::is3D() const {
 }
 
 int Varn_3D::getDimension() const {
-    return pDt3->getDimension();
+    return engine().getDimension();
 }
 
 void Varn_3D::insert(const std::vector<Point3>& vInputPoints, std::vector<Point3*>& vUserHandles) {

@@ -115,10 +115,11 @@ class VARN3D_EXPORT Varn_3D {
 
     /// Sets what the insertion of batches and of waiting vertices calls now and then, at most every
     /// 10 milliseconds: how many of how many new vertices are in the mesh. While points are being
-    /// stored none are, and total is the number of points. False stops the insertion: all handles
-    /// are given, the mesh is valid, and the vertices that are not in it wait, for `insertWaiting`
-    /// or for being inserted singly. An exception passes through the insertion, with the same
-    /// consequences as memory that runs out. An empty function ends the calls.
+    /// stored none are, and total is the number of points; where done has come to total, their
+    /// tetrahedra are being written. False stops the insertion: all handles are given, the mesh is
+    /// valid, and the vertices that are not in it wait, for `insertWaiting` or for being inserted
+    /// singly. An exception passes through the insertion, with the same consequences as memory that
+    /// runs out. An empty function ends the calls.
     ///
     /// It is called in the thread that inserts, under the library's floating-point settings, and
     /// must not use the Varn_3D.
@@ -187,6 +188,7 @@ class VARN3D_EXPORT Varn_3D {
 
   private:
     friend class PointLocator;
+    friend VoronoiCell getVoronoiCell(const Varn_3D& mesh, const Point3* pVtx);
 
     Dt3& engine() const;
 

@@ -6,7 +6,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "dt3Library/Dt3.h"
 #include "dt3Library/GeomTest3.h"
+#include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/facets.h"
@@ -143,7 +145,9 @@ class CellMaker {
 
 }  // namespace
 
-VoronoiCell getVoronoiCell(const Varn_3D& /*mesh*/, const Point3* pVtx) {
+VoronoiCell getVoronoiCell(const Varn_3D& mesh, const Point3* pVtx) {
+    if (!mesh.engine().getStore().has(pVtx))
+        engineFail("a Voronoi cell of what is no vertex of the mesh", checks::CELL_OF_OWN_VERTEX);
     engineCheck(pVtx->getOneTet() != nullptr, checks::CELL_OF_MESH_VERTEX);
     return guarded("getVoronoiCell()", [&] {
         // As a corner the vertex can be changed.

@@ -43,8 +43,8 @@ struct VoronoiCell {
 /// of the largest distance of a corner; it overflows or underflows with that cube.
 ///
 /// O(tetrahedra around the vertex times the most at one edge). Reads the mesh only, so several
-/// threads may call it at once while nobody inserts. A vertex that waits is a failed check and
-/// throws VarnException.
+/// threads may call it at once while nobody inserts. What is no vertex of the mesh, null included,
+/// and a vertex that waits are failed checks and throw VarnException.
 VARN3D_EXPORT VoronoiCell getVoronoiCell(const Varn_3D& mesh, const Point3* pVtx);
 
 }  // namespace VARN3D

@@ -86,20 +86,16 @@ py::tuple getVertexGraph(SharedMesh& mesh) {
                           arrayOf(graph->getNeighbours(), graph));
 }
 
-Numbers findSimplex(SharedMesh& mesh, const Doubles& queries) {
-    Numbers found(queries.shape(0));
-    std::int32_t* const tetrahedra = found.mutable_data();
-    const double* const xyz = queries.data();
-    unlocked([&, n = rows(queries)] { mesh.findTetrahedra(xyz, n, tetrahedra, SignalPoll()); });
-    return found;
-}
-
-Numbers findNearest(SharedMesh& mesh, const Doubles& queries) {
-    Numbers found(queries.shape(0));
-    std::int32_t* const vertices = found.mutable_data();
-    const double* const xyz = queries.data();
-    unlocked([&, n = rows(queries)] { mesh.findNearest(xyz, n, vertices, SignalPoll()); });
-    return found;
+/// What answers each query by a number.
+auto numbersBy(void (SharedMesh::*find)(const double*, std::size_t, std::int32_t*,
+                                        const SharedMesh::Poll&)) {
+    return [find](SharedMesh& mesh, const Doubles& queries) {
+        Numbers found(queries.shape(0));
+        std::int32_t* const numbers = found.mutable_data();
+        const double* const xyz = queries.data();
+        unlocked([&, n = rows(queries)] { (mesh.*find)(xyz, n, numbers, SignalPoll()); });
+        return found;
+    };
 }
 
 Doubles interpolate(SharedMesh& mesh, const Doubles& values, const Doubles& queries) {
@@ -157,8 +153,8 @@ PYBIND11_MODULE(_core, module) {
         .def("convex_hull", part(&IndexedMesh::hull))
         .def("duplicates", part(&IndexedMesh::duplicates))
         .def("vertex_neighbor_vertices", getVertexGraph)
-        .def("find_simplex", findSimplex)
-        .def("nearest_vertex", findNearest)
+        .def("find_simplex", numbersBy(&SharedMesh::findTetrahedra))
+        .def("nearest_vertex", numbersBy(&SharedMesh::findNearest))
         .def("interpolate", interpolate)
         .def("voronoi_volumes", getVoronoiVolumes)
         .def("check", &SharedMesh::check, othersRun);

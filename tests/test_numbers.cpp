@@ -172,6 +172,23 @@ TEST(Numbers, TheHostsOwnLeaveTheMeshAlone) {
     expectNumbers(other);
 }
 
+// The large blocks that a process allocates first come from another place than those that it takes
+// later, which gives the blocks of either mesh another order of addresses.
+TEST(Numbers, FollowTheInsertionsAndNotTheMemory) {
+    const auto meshOfSingles = [] {
+        Host host;
+        host.batch(uniform(500, 1));
+        host.singles(uniform(8000, 2));
+        return host.mesh.getIndexedMesh();
+    };
+    Host().batch(grid(2, 2, 2));  // the first of a process has another margin than all others
+    const IndexedMesh first = meshOfSingles();
+    const IndexedMesh second = meshOfSingles();
+    EXPECT_TRUE(first.tetrahedra == second.tetrahedra);
+    EXPECT_TRUE(first.neighbours == second.neighbours);
+    EXPECT_TRUE(first.hull == second.hull);
+}
+
 TEST(Numbers, RefusedPointsHaveNone) {
     Host host;
     Handles none;

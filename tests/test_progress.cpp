@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <set>
 #include <stdexcept>
 #include <vector>
 
@@ -63,7 +64,7 @@ bool insertAll(Dt3& engine, std::size_t last, bool bThrow, std::vector<std::size
         before = done;
         EXPECT_LE(calls, last) << "called after the end";
         if (calls++ < last) return true;
-        bEnded = true;
+        bEnded = bThrow || done < total;
         if (bThrow) throw Interrupted();
         return false;
     };
@@ -124,6 +125,51 @@ TEST(Progress, WhateverIsStoppedGoesOn) {
             });
             EXPECT_TRUE(meshOf(engine) == expected) << last << bThrow;
         }
+    }
+}
+
+TEST(Progress, AnInterruptionWhileRecordsAreWrittenTakesTheBatchBack) {
+    Dt3 engine;
+    Handles waiting;
+    outputOf([&] { engine.insert(planar(50, 100, 1), waiting); });
+    for (const Points& points : {uniform(3000, 1), uniform(5000, 2)}) {
+        const bool bWas3D = engine.is3D();
+        const std::size_t numBefore = engine.getNumVertices();
+        const Mesh before = bWas3D ? meshOf(engine) : Mesh();
+        engine.getProgress().setFunction(
+            [](std::size_t done, std::size_t total) {
+                if (done == total) throw Interrupted();
+                return true;
+            },
+            BatchProgress::Duration(0));
+        outputOf([&] {
+            Handles handles;
+            EXPECT_THROW(engine.insert(points, handles), Interrupted);
+        });
+        EXPECT_EQ(engine.getNumVertices(), numBefore);
+        EXPECT_EQ(engine.is3D(), bWas3D);
+        std::set<Tet3*> ofVertices;
+        std::vector<Point3*> vertices;
+        engine.getVertices(vertices);
+        for (const Point3* vertex : vertices) ofVertices.insert(vertex->getOneTet());
+        if (bWas3D) {
+            EXPECT_TRUE(meshOf(engine) == before);
+            std::vector<Tet3*> tets;
+            engine.getAllTetrahedra(tets);
+            std::sort(tets.begin(), tets.end());
+            EXPECT_TRUE(
+                std::includes(tets.begin(), tets.end(), ofVertices.begin(), ofVertices.end()));
+        } else {
+            EXPECT_EQ(ofVertices, std::set<Tet3*>{nullptr});
+        }
+        engine.getProgress().setFunction({});
+        outputOf([&] {
+            Handles handles;
+            engine.insert(points, handles);
+            EXPECT_TRUE(engine.checkValidity("again", true));
+        });
+        EXPECT_EQ(engine.getNumVertices(), numBefore + points.size());
+        EXPECT_EQ(engine.getNumWaiting(), 0U);
     }
 }
 

@@ -249,6 +249,23 @@ TEST(Voronoi, CellsFillABox) {
     EXPECT_NEAR(volume, 1.0, 1e-13);
 }
 
+TEST(Voronoi, IsOfVerticesOfTheMeshOnly) {
+    Varn_3D mesh, other;
+    std::vector<Point3*> handles, others;
+    outputOf([&] {
+        mesh.insert(uniform(60, 1), handles);
+        other.insert(uniform(60, 1), others);
+    });
+    const Point3 copy(*handles[0]);
+    const std::vector<const Point3*> strangers = {nullptr, &copy, others[0]};
+    for (const Point3* vertex : strangers) {
+        const std::string message =
+            outputOf([&] { EXPECT_THROW(getVoronoiCell(mesh, vertex), VarnException); });
+        EXPECT_THAT(message, testing::HasSubstr("[ mesh has pVtx failed ]"));
+    }
+    EXPECT_FALSE(getVoronoiCell(mesh, handles[0]).facets.empty());
+}
+
 TEST(PointLocator, SeesWhatIsInserted) {
     Varn_3D mesh;
     PointLocator locator(mesh);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <dt3Library/Varn_3D.h>
+#include <dt3Library/IndexedMesh.h>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -22,9 +22,11 @@ struct IndexedMesh {
     using Tetrahedron = std::array<std::uint32_t, 4>;
     using Facet = std::array<std::uint32_t, 3>;
 
-    /// vertices: the vertex of each input point, as the insertion has handed them out.
-    IndexedMesh(PointSet input, const std::vector<VARN3D::Point3*>& vertices,
-                const std::vector<VARN3D::Tet3*>& tets);
+    /// What has no number: beyond the mesh.
+    static constexpr std::uint32_t NONE = UINT32_MAX;
+
+    /// mesh: that of the input, in the library's order. Its neighbours may be left out. O(n log n).
+    IndexedMesh(PointSet input, VARN3D::IndexedMesh mesh);
 
     /// Keeps the tetrahedra that lie wholly on the plane's side; the points stay.
     void clip(const ClipPlane& plane);
@@ -40,9 +42,15 @@ struct IndexedMesh {
     /// For each point the first one with the same coordinates, often the point itself.
     std::vector<std::uint32_t> firstEqual;
     std::vector<Tetrahedron> tetrahedra;
+    /// For each tetrahedron those opposite its corners, or none; nothing where they were left out.
+    std::vector<Tetrahedron> neighbours;
     /// The facets of the convex hull, counter-clockwise as seen from outside, sorted. Clipping
     /// leaves them as they are.
     std::vector<Facet> hull;
+
+  private:
+    void takeTetrahedra(VARN3D::IndexedMesh& mesh);
+    void renumberNeighbours(const std::vector<std::uint32_t>& newNumbers);
 };
 
 }  // namespace tool

@@ -34,23 +34,23 @@ void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file) {
                   [&](std::size_t i) { writeCorners(mesh.tetrahedra[i], 0, file); });
 }
 
-void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file) {
+void writeTetgenFaces(const IndexedMesh& mesh, OutputFile& file) {
     std::vector<IndexedMesh::Facet> facets;
     for (std::size_t t = 0; t < mesh.tetrahedra.size(); ++t) {
         for (std::size_t corner = 0; corner < 4; ++corner)
-            if (adjacency.across(t, corner) == Adjacency::NONE)
+            if (mesh.neighbours[t][corner] == IndexedMesh::NONE)
                 facets.push_back(IndexedMesh::facetOpposite(mesh.tetrahedra[t], corner));
     }
     writeNumbered(facets.size(), " 0", file,
                   [&](std::size_t i) { writeCorners(facets[i], 0, file); });
 }
 
-void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file) {
-    writeNumbered(adjacency.size(), " 4", file, [&](std::size_t t) {
+void writeTetgenNeighbours(const IndexedMesh& mesh, OutputFile& file) {
+    writeNumbered(mesh.neighbours.size(), " 4", file, [&](std::size_t t) {
         for (std::size_t corner = 0; corner < 4; ++corner) {
-            const std::uint32_t neighbour = adjacency.across(t, corner);
+            const std::uint32_t neighbour = mesh.neighbours[t][corner];
             file.write(corner == 0 ? "" : " ");
-            file.writeNumber(neighbour == Adjacency::NONE ? std::int64_t{-1} : neighbour);
+            file.writeNumber(neighbour == IndexedMesh::NONE ? std::int64_t{-1} : neighbour);
         }
     });
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tools/Adjacency.h"
 #include "tools/IndexedMesh.h"
 #include "tools/OutputFile.h"
 
@@ -12,10 +11,10 @@ void writeTetgenElements(const IndexedMesh& mesh, OutputFile& file);
 
 /// The facets that belong to one of the mesh's tetrahedra only, counter-clockwise as seen from
 /// outside.
-void writeTetgenFaces(const IndexedMesh& mesh, const Adjacency& adjacency, OutputFile& file);
+void writeTetgenFaces(const IndexedMesh& mesh, OutputFile& file);
 
 /// For each tetrahedron its four neighbours, each opposite a corner, in the order of the corners;
 /// -1 stands for none.
-void writeTetgenNeighbours(const Adjacency& adjacency, OutputFile& file);
+void writeTetgenNeighbours(const IndexedMesh& mesh, OutputFile& file);
 
 }  // namespace tool

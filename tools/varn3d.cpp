@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "tools/Adjacency.h"
 #include "tools/IndexedMesh.h"
 #include "tools/InputError.h"
 #include "tools/LibraryMessages.h"
@@ -29,7 +28,6 @@
 #include "tools/tetgenWriters.h"
 #include "tools/vtkWriters.h"
 
-using VARN3D::Point3;
 using VARN3D::Tet3;
 using VARN3D::Varn_3D;
 
@@ -68,10 +66,7 @@ class Program {
     PointSet input;
     std::size_t numPoints = 0;
     Varn_3D mesh;
-    /// The vertex of each input point.
-    std::vector<Point3*> vertexOfPoint;
     std::size_t numVertices = 0;
-    std::vector<Tet3*> tets;
     std::size_t numHullFacets = 0;
     std::size_t numKept = 0;
     double seconds = 0;
@@ -92,7 +87,9 @@ ExitCode Program::run() {
     writeFiles();
     std::optional<MeshStatistics> statistics;
     if (options.bStatistics) {
-        progress.begin("measuring " + std::to_string(tets.size()) + " tetrahedra");
+        progress.begin("measuring " + std::to_string(mesh.getNumTetrahedra()) + " tetrahedra");
+        std::vector<Tet3*> tets;
+        mesh.getTetrahedra(tets);
         statistics.emplace(tets);
     }
     progress.end();
@@ -129,17 +126,16 @@ void Program::triangulate() {
         return true;
     });
     const auto start = std::chrono::steady_clock::now();
-    mesh.insert(input.points, vertexOfPoint);
+    mesh.insert(input.points);
     seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     numVertices = mesh.getNumVertices();
-    mesh.getTetrahedra(tets);
     std::vector<VARN3D::Facet3> facets;
     mesh.getHullFacets(facets);
     numHullFacets = facets.size();
 }
 
 void Program::check() {
-    progress.begin("checking " + std::to_string(tets.size()) + " tetrahedra");
+    progress.begin("checking " + std::to_string(mesh.getNumTetrahedra()) + " tetrahedra");
     bValid = mesh.checkValidity(options.input, true);
 }
 
@@ -152,8 +148,13 @@ void Program::writeFiles() {
 }
 
 void Program::writeIndexedMesh() {
-    progress.begin("sorting " + std::to_string(tets.size()) + " tetrahedra");
-    IndexedMesh indexed(std::move(input), vertexOfPoint, tets);
+    progress.begin("sorting " + std::to_string(mesh.getNumTetrahedra()) + " tetrahedra");
+    VARN3D::IndexedMesh plain = mesh.getIndexedMesh();
+    if (options.tetgen.empty()) {
+        plain.neighbours.clear();
+        plain.neighbours.shrink_to_fit();
+    }
+    IndexedMesh indexed(std::move(input), std::move(plain));
     for (const ClipPlane& plane : options.clipPlanes) indexed.clip(plane);
     numKept = indexed.tetrahedra.size();
     const bool bXml = endsIn(options.vtk, ".vtu");
@@ -174,14 +175,8 @@ void Program::writeIndexedMesh() {
     if (!options.tetgen.empty()) {
         write(options.tetgen + ".node", writeTetgenNodes);
         write(options.tetgen + ".ele", writeTetgenElements);
-        progress.begin("linking " + std::to_string(numKept) + " tetrahedra");
-        const Adjacency adjacency(indexed.tetrahedra);
-        write(options.tetgen + ".face", [&](const IndexedMesh& kept, OutputFile& file) {
-            writeTetgenFaces(kept, adjacency, file);
-        });
-        write(options.tetgen + ".neigh", [&](const IndexedMesh&, OutputFile& file) {
-            writeTetgenNeighbours(adjacency, file);
-        });
+        write(options.tetgen + ".face", writeTetgenFaces);
+        write(options.tetgen + ".neigh", writeTetgenNeighbours);
     }
     if (!options.duplicates.empty()) write(options.duplicates, writeDuplicates);
 }
@@ -203,7 +198,7 @@ void Program::writeGeomview() {
 void Program::printSummary() const {
     std::printf("points read        %zu\n", numPoints);
     std::printf("distinct vertices  %zu\n", numVertices);
-    std::printf("tetrahedra         %zu\n", tets.size());
+    std::printf("tetrahedra         %zu\n", mesh.getNumTetrahedra());
     std::printf("hull facets        %zu\n", numHullFacets);
     if (!options.clipPlanes.empty()) std::printf("tetrahedra kept    %zu\n", numKept);
     std::printf("time               %.4f s\n", seconds);

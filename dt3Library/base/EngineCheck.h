@@ -51,6 +51,7 @@ constexpr EngineCheck NO_MARK_LEFT{"false", 1410};
 
 // The facade.
 constexpr EngineCheck FACADE_HAS_ENGINE{"pDt3!=NULL", 19, "dt3Library/Varn_3D.cpp"};
+constexpr EngineCheck CELL_OF_OWN_VERTEX{"mesh has pVtx", 155, "dt3Library/voronoi.cpp"};
 constexpr EngineCheck CELL_OF_MESH_VERTEX{"pVtx->getOneTet()!=NULL", 154, "dt3Library/voronoi.cpp"};
 
 // Tetrahedra and the names of their parts.

@@ -8,6 +8,7 @@
 #include "dt3Library/base/Profile.h"
 #include "dt3Library/base/bits.h"
 #include "dt3Library/base/messages.h"
+#include "dt3Library/base/prefetch.h"
 #include "dt3Library/base/vectors.h"
 #include "dt3Library/engine/HullEdge.h"
 #include "dt3Library/engine/star.h"
@@ -134,6 +135,8 @@ WalkEnd Locator::walk(const Point3* point, Tet3* tet, int maxSteps) const {
             }
             facet = (MeshAccess::indexOfNeighbour(next, end.tet) + 1) % 4;
             end.tet = next;
+            // One of them comes next, and which one takes as long to find out as to fetch it.
+            for (int i = 0; i < 4; ++i) prefetchRecord(MeshAccess::neighbour(next, i));
             sides = predicates.seeFacets(next, point);
             bEntered = true;
             untested = 3;  // the facet just crossed has the point on its inner side

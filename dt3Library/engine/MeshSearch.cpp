@@ -17,7 +17,7 @@ namespace {
 constexpr int NEAR_STEPS = 60;
 
 /// One vertex in so many is in the sample: a walk from the nearest of these passes few tetrahedra.
-constexpr std::size_t SAMPLE_STRIDE = 32;
+constexpr std::size_t SAMPLE_STRIDE = 8;
 
 /// How many entries of the sample on either side are searched for a vertex of the mesh.
 constexpr std::size_t ENTRIES_SEARCHED = 32;

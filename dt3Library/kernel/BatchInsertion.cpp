@@ -45,7 +45,7 @@ Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     VARN3D_COUNT(insertions, points.size() - firstNew);
     VARN3D_COUNT(tetsPassed, state->numSteps);
     VARN3D_COUNT(created, state->numMade);
-    return RecordWriter(*state, points, firstNew, records).writeTo(tets);
+    return RecordWriter(*state, points, firstNew, records, progress).writeTo(tets);
 }
 
 void BatchInsertion::listMeshVertices() {

@@ -8,9 +8,9 @@
 #include "dt3Library/HC3.h"
 #include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/TetRecycler.h"
+#include "dt3Library/geom_tools/PoolIndex.h"
 #include "dt3Library/kernel/BatchState.h"
 #include "dt3Library/kernel/ExactFrame.h"
-#include "dt3Library/kernel/PoolIndex.h"
 
 namespace VARN3D {
 

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "dt3Library/engine/TetRecycler.h"
+#include "dt3Library/geom_tools/PoolIndex.h"
 #include "dt3Library/kernel/BatchState.h"
-#include "dt3Library/kernel/PoolIndex.h"
 
 namespace VARN3D {
 

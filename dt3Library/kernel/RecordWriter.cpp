@@ -18,15 +18,30 @@ Tet3* RecordWriter::writeTo(TetRecycler& tets) {
     SimplePool<Tet3> pool;
     pool.init();
     mesh.dropVertices();
+    const std::vector<Tet3*> tetsBefore = listTetsOfVertices();
     mesh.giveTo(pool);
 
     firstLabel = MeshAccess::reserveLabels(state.numMade);
     records = pool.getLastBlock();
-    writeAll();
+    try {
+        writeAll();
+    } catch (...) {
+        // The old records are as they were, but vertices may have left them.
+        for (std::size_t i = 1; i < vertices.size(); ++i)
+            vertices[i]->setOneTet(i < firstNewVertex ? tetsBefore[i] : nullptr);
+        throw;
+    }
     for (const FacetCode facet : hull)
         MeshAccess::neighbour(records + slotOf(facet), static_cast<int>(facetOf(facet))) = nullptr;
     tets.replaceBy(pool, freeRecords);
     return anyRecord;
+}
+
+/// Of those that were in the mesh before.
+std::vector<Tet3*> RecordWriter::listTetsOfVertices() const {
+    std::vector<Tet3*> list(firstNewVertex);
+    for (VertexNumber i = 1; i < firstNewVertex; ++i) list[i] = vertices[i]->getOneTet();
+    return list;
 }
 
 /// Reads bytes, since the memory may hold records in the next moment.
@@ -46,12 +61,21 @@ void RecordWriter::writeAll() {
                                Topology(compact + 3)};
     constexpr Slot NUM_FIRST = 4;
     if constexpr (sizeof(Tet3) >= sizeof(CompactTet)) {
-        for (Slot slot = numSlots; slot-- > NUM_FIRST;) write(slot, Topology(compact + slot));
+        for (Slot slot = numSlots; slot-- > NUM_FIRST;) writeNext(slot, Topology(compact + slot));
         for (Slot slot = NUM_FIRST; slot-- > 0;) write(slot, first[slot]);
     } else {
         for (Slot slot = 0; slot < NUM_FIRST; ++slot) write(slot, first[slot]);
-        for (Slot slot = NUM_FIRST; slot < numSlots; ++slot) write(slot, Topology(compact + slot));
+        for (Slot slot = NUM_FIRST; slot < numSlots; ++slot)
+            writeNext(slot, Topology(compact + slot));
     }
+}
+
+/// One of very many. All vertices are in, so there is nothing left to stop but by an exception.
+inline void RecordWriter::writeNext(Slot slot, const Topology& tet) {
+    constexpr Slot SLOTS_A_STEP = 1024;
+    if (slot % SLOTS_A_STEP == 0)
+        static_cast<void>(progress.goesOn(vertices.size() - firstNewVertex));
+    write(slot, tet);
 }
 
 inline void RecordWriter::write(Slot slot, const Topology& tet) {

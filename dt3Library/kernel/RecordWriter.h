@@ -3,9 +3,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/TetRecycler.h"
+#include "dt3Library/geom_tools/PoolIndex.h"
 #include "dt3Library/kernel/BatchState.h"
-#include "dt3Library/kernel/PoolIndex.h"
 
 namespace VARN3D {
 
@@ -16,15 +17,21 @@ class RecordWriter {
     /// `points` holds the vertices by their numbers, `firstNew` is the number of the first that
     /// this batch has inserted, and `oldRecords` are the records that the mesh was loaded from.
     RecordWriter(BatchState& batchState, const std::vector<Point3*>& points, VertexNumber firstNew,
-                 const PoolIndex<Tet3>& oldRecords)
-        : state(batchState), vertices(points), firstNewVertex(firstNew), loaded(oldRecords) {}
+                 const PoolIndex<Tet3>& oldRecords, BatchProgress& batchProgress)
+        : state(batchState),
+          vertices(points),
+          firstNewVertex(firstNew),
+          loaded(oldRecords),
+          progress(batchProgress) {}
 
     /// Replaces the recycler's records. Tetrahedra that were loaded and are still there keep label
-    /// and custom index; the new ones get labels in the order of insertion. Throws std::bad_alloc
-    /// before anything is changed. Returns a tetrahedron of the mesh. O(n).
+    /// and custom index; the new ones get labels in the order of insertion. Throws std::bad_alloc,
+    /// and what the host's function throws; records and vertices are then as they were. Returns a
+    /// tetrahedron of the mesh. O(n).
     Tet3* writeTo(TetRecycler& tets);
 
   private:
+    std::vector<Tet3*> listTetsOfVertices() const;
     void writeAll();
     /// What a record needs of a compact tetrahedron.
     struct Topology {
@@ -34,6 +41,7 @@ class RecordWriter {
         explicit Topology(const CompactTet* tet);
     };
 
+    void writeNext(Slot slot, const Topology& tet);
     void write(Slot slot, const Topology& tet);
     void writeFree(Slot slot, const Topology& tet);
 
@@ -41,6 +49,7 @@ class RecordWriter {
     const std::vector<Point3*>& vertices;
     const VertexNumber firstNewVertex;
     const PoolIndex<Tet3>& loaded;
+    BatchProgress& progress;
 
     Tet3* records = nullptr;
     Slot numSlots = 0;

@@ -222,11 +222,14 @@ def test_the_same_arrays_in_another_process():
 
     meshes = [Delaunay(points) for points in SETS.values()]
     meshes[0].add_points(SETS["grid"])
+    meshes[1].add_points(uniform(400, 1))
     script = "\n".join([
         "import pickle, sys", f"ARRAYS = {ARRAYS}", textwrap.dedent(inspect.getsource(arrays)),
         "pickle.dump(arrays(pickle.load(sys.stdin.buffer)), sys.stdout.buffer)"])
+    # There each block of memory lies below the one before.
+    elsewhere = {**os.environ, "MALLOC_MMAP_THRESHOLD_": "1024", "MALLOC_MMAP_MAX_": "1000000"}
     other = subprocess.run([sys.executable, "-c", script], input=pickle.dumps(meshes), check=True,
-                           capture_output=True)
+                           capture_output=True, env=elsewhere)
     np.testing.assert_equal(pickle.loads(other.stdout), arrays(meshes))
 
 

