@@ -23,7 +23,7 @@ class Cavity {
   public:
     Cavity(const GeomTest3& geomTest, TetRecycler& recycler);
 
-    /// Inserts a vertex where it lies, inside or outside the hull. Returns the last new
+    /// Inserts a vertex where it has been found to lie, INSIDE or AT_HULL. Returns the last new
     /// tetrahedron. O(size of the region, and of the hull that the vertex sees).
     Tet3* insert(Point3* p, const WalkEnd& place);
 
