@@ -37,7 +37,7 @@ int main() {
         sum += product;
     }
     VARN3D::PointLocator locator(mesh);
-    const bool bRight = sum == 5379931981841752474U &&
+    const bool bRight = sum == 5496429778931765576U &&
                         locator.nearestVertex(points[7]) == handles[7] &&
                         locator.locate({0, 0, 0}).kind == VARN3D::LocationKind::OUTSIDE &&
                         !VARN3D::getVoronoiCell(mesh, handles[7]).facets.empty();
