@@ -21,8 +21,8 @@ namespace VARN3D {
 ///
 /// A vertex lives as long as the store and never moves. The keys along the curve follow from the
 /// box, so nothing is stored of them; what is needed to find a point again is a table in an order
-/// of its own that does not depend on the box and is made only when a second insertion or a query
-/// asks for it: hosts that insert one batch never pay for it.
+/// of its own, which a growing box does not change. It is made only when a second insertion or a
+/// query asks for it: hosts that insert one batch never pay for it.
 ///
 /// Not thread-safe: one store belongs to one engine.
 class HC3 {
@@ -39,7 +39,8 @@ class HC3 {
     /// Stores a batch. `vUserHandles` must be empty and gets one handle for each point, in input
     /// order; `vNew` gets the vertices that are new, in curve order: equal keys in input order,
     /// but where more than eight share a key, along a finer curve.
-    /// O(n) for the first batch, O(n log m) with m vertices stored before.
+    /// The first batch takes O(n), or O(n log n) where many share a key; a later one O(n log m)
+    /// with m vertices stored before.
     void insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
                 std::vector<Point3*>& vNew, BatchProgress& progress);
 

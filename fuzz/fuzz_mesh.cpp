@@ -65,7 +65,7 @@ void checkQueries(VARN3D::Varn_3D& mesh, VARN3D::PointLocator& locator,
     const Tet3* tet = mesh.locate(p);
     if (tet != nullptr && !holds(tet, p)) stop("located in the wrong tetrahedron");
     const VARN3D::Location place = locator.locate(p);
-    const bool bOutside = place.kind == VARN3D::LocationKind::Outside;
+    const bool bOutside = place.kind == VARN3D::LocationKind::OUTSIDE;
     if (bOutside ? std::any_of(tets.begin(), tets.end(), [&](Tet3* t) { return holds(t, p); })
                  : !holds(place.tet, p))
         stop("a locator is in the wrong place");
@@ -77,7 +77,7 @@ void checkQueries(VARN3D::Varn_3D& mesh, VARN3D::PointLocator& locator,
         stop("another vertex is nearest");
     std::vector<Tet3*> region;
     locator.conflictRegion(p, region);
-    if (place.kind == VARN3D::LocationKind::AtVertex) tets.clear();
+    if (place.kind == VARN3D::LocationKind::AT_VERTEX) tets.clear();
     const auto isSafe = [&](Tet3* t) { return !isInConflict(t, p); };
     tets.erase(std::remove_if(tets.begin(), tets.end(), isSafe), tets.end());
     std::sort(region.begin(), region.end());

@@ -17,7 +17,7 @@ NO_FUNCTION = re.compile(r"\s*(template|namespace|class|struct|union|enum|extern
 def bodies(lines):
     """The lines between which the bodies stand, those of inner blocks too."""
     for first, line in enumerate(lines):
-        if not line.endswith("{") or NO_FUNCTION.match(line):
+        if not line.endswith(" {") or NO_FUNCTION.match(line):
             continue
         for last in range(first + 1, len(lines)):
             if re.match(r"\s*\}", lines[last]) and indent(lines[last]) <= indent(line):

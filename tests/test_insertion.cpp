@@ -251,8 +251,7 @@ TEST(Insertion, RecordsAreUsedAgainFromTheNextInsertionOn) {
     for (Point3 p : uniform(400, 1)) {
         const std::int32_t firstNew = Tet3::runningLabel;
         outputOf([&] { mesh.insert(p); });
-        std::vector<Tet3*> tets;
-        if (mesh.is3D()) mesh.getTetrahedra(tets);
+        std::vector<Tet3*> tets = tetsOf(mesh);
         for (Tet3* tet : tets)
             EXPECT_TRUE(MeshAccess::label(tet) < firstNew || live.count(tet) == 0);
         live = {tets.begin(), tets.end()};
@@ -301,8 +300,7 @@ TEST(Insertion, LargeFlatInputNeedsNoSearch) {
     EXPECT_EQ(outputOf([&] { singles.insert(apex); }), EMPTY_LIST);
     EXPECT_TRUE(singles.is3D());
     // Amid those that wait the search for a start ends at the most recent tetrahedron.
-    std::vector<Tet3*> tets;
-    singles.getTetrahedra(tets);
+    std::vector<Tet3*> tets = tetsOf(singles);
     ASSERT_EQ(tets.size(), 1U);
     Point3 sum(0, 0, 0), amid(flat[17] + Vector3(0.5, 0.5, 2.0));
     for (int i = 0; i < 4; ++i) sum = sum + (*tets[0]->getCorner(i) - Point3(0, 0, 0));

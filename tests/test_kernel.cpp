@@ -23,12 +23,6 @@ namespace {
 using namespace VARN3D;
 using namespace support;
 
-std::vector<Tet3*> tetsOf(const Dt3& engine) {
-    std::vector<Tet3*> tets;
-    engine.getAllTetrahedra(tets);
-    return tets;
-}
-
 std::array<Point3*, 4> cornersOf(const Tet3* t) {
     return {t->getCorner(0), t->getCorner(1), t->getCorner(2), t->getCorner(3)};
 }

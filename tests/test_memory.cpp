@@ -167,21 +167,6 @@ const Case CASES[] = {
     {"longWalks", [] { return atOnce(rod(1000)); }},
 };
 
-using Mesh = std::vector<std::array<Coordinates, 4>>;
-
-Mesh meshOf(const Varn_3D& triangulation) {
-    std::vector<Tet3*> tets;
-    triangulation.getTetrahedra(tets);
-    Mesh mesh(tets.size());
-    for (std::size_t t = 0; t < tets.size(); ++t) {
-        for (std::size_t i = 0; i < 4; ++i)
-            mesh[t][i] = coordinatesOf(*tets[t]->getCorner(static_cast<int>(i)));
-        std::sort(mesh[t].begin(), mesh[t].end());
-    }
-    std::sort(mesh.begin(), mesh.end());
-    return mesh;
-}
-
 /// All that a host sees, to the last pointer.
 struct View {
     using Tetrahedron = std::tuple<const Tet3*, std::array<const void*, 8>, int, int>;
@@ -195,8 +180,7 @@ struct View {
         std::vector<Point3*> points;
         triangulation.getVertices(points);
         for (const Point3* p : points) vertices.emplace_back(p, p->getOneTet());
-        std::vector<Tet3*> all;
-        triangulation.getTetrahedra(all);
+        std::vector<Tet3*> all = tetsOf(triangulation);
         for (const Tet3* tet : all) {
             std::array<const void*, 8> around;
             for (std::size_t i = 0; i < 4; ++i) {
@@ -218,8 +202,7 @@ struct View {
 };
 
 void setCustomIndices(const Varn_3D& triangulation) {
-    std::vector<Tet3*> tets;
-    triangulation.getTetrahedra(tets);
+    std::vector<Tet3*> tets = tetsOf(triangulation);
     for (std::size_t i = 0; i < tets.size(); ++i) tets[i]->setCustomIndex(static_cast<int>(i));
 }
 
@@ -235,8 +218,7 @@ void insert(Varn_3D& triangulation, Insertion& insertion, std::vector<Point3*>& 
 void ask(Varn_3D& triangulation, const Point3& point) {
     std::vector<Point3*> vertices;
     triangulation.getVertices(vertices);
-    std::vector<Tet3*> tets;
-    triangulation.getTetrahedra(tets);
+    std::vector<Tet3*> tets = tetsOf(triangulation);
     tets.clear();
     triangulation.getTetsAroundVertex(vertices.front(), tets);
     triangulation.locate(point);
@@ -295,7 +277,7 @@ class OutOfMemory : public testing::TestWithParam<Case> {
         }
         if (fails(untilFailure, [&] { ask(*triangulation, points.front()); }))
             ask(*triangulation, points.front());
-        EXPECT_TRUE(meshOf(*triangulation) == mesh) << n;
+        EXPECT_TRUE(sortedMesh(tetsOf(*triangulation)) == mesh) << n;
         EXPECT_TRUE(triangulation->checkValidity("finished", true)) << n;
         EXPECT_TRUE(std::equal(points.begin(), points.end(), handles.begin(), handles.end(),
                                [](const Point3& p, const Point3* handle) { return p == *handle; }))
@@ -306,7 +288,7 @@ class OutOfMemory : public testing::TestWithParam<Case> {
 
     Insertions insertions = GetParam().insertions();
     /// In the end, where nothing fails.
-    Mesh mesh;
+    SortedMesh mesh;
 };
 
 TEST_P(OutOfMemory, LeavesAMeshToGoOnWith) {
@@ -314,7 +296,7 @@ TEST_P(OutOfMemory, LeavesAMeshToGoOnWith) {
     Varn_3D sound;
     std::vector<Point3*> handles;
     for (Insertion& insertion : insertions) insert(sound, insertion, handles);
-    mesh = meshOf(sound);
+    mesh = sortedMesh(tetsOf(sound));
     long n = 0;
     while (!survives(n) && !HasFailure()) ++n;
     EXPECT_GT(n, 20);

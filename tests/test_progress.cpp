@@ -17,23 +17,8 @@ namespace {
 
 using namespace VARN3D;
 using namespace support;
-using Mesh = std::vector<std::array<Coordinates, 4>>;
 
 struct Interrupted : std::exception {};
-
-/// Of points in general position, of which there is only one mesh.
-Mesh meshOf(const Dt3& engine) {
-    std::vector<Tet3*> tets;
-    engine.getAllTetrahedra(tets);
-    Mesh mesh(tets.size());
-    for (std::size_t t = 0; t < tets.size(); ++t) {
-        for (std::size_t i = 0; i < 4; ++i)
-            mesh[t][i] = coordinatesOf(*tets[t]->getCorner(static_cast<int>(i)));
-        std::sort(mesh[t].begin(), mesh[t].end());
-    }
-    std::sort(mesh.begin(), mesh.end());
-    return mesh;
-}
 
 struct Step {
     Points points;
@@ -99,7 +84,7 @@ TEST(Progress, WhateverIsStoppedGoesOn) {
             insert(sound, step, handles);
         }
     });
-    const Mesh expected = meshOf(sound);
+    const SortedMesh expected = sortedMesh(tetsOf(sound));
     bool bEnded = true;
     for (std::size_t last = 0; bEnded; last += last / 4 + 1) {
         bEnded = false;
@@ -123,7 +108,7 @@ TEST(Progress, WhateverIsStoppedGoesOn) {
                 EXPECT_EQ(engine.insertWaiting(), 0U);
                 EXPECT_TRUE(engine.checkValidity("whole", true));
             });
-            EXPECT_TRUE(meshOf(engine) == expected) << last << bThrow;
+            EXPECT_TRUE(sortedMesh(tetsOf(engine)) == expected) << last << bThrow;
         }
     }
 }
@@ -135,7 +120,7 @@ TEST(Progress, AnInterruptionWhileRecordsAreWrittenTakesTheBatchBack) {
     for (const Points& points : {uniform(3000, 1), uniform(5000, 2)}) {
         const bool bWas3D = engine.is3D();
         const std::size_t numBefore = engine.getNumVertices();
-        const Mesh before = bWas3D ? meshOf(engine) : Mesh();
+        const SortedMesh before = bWas3D ? sortedMesh(tetsOf(engine)) : SortedMesh();
         engine.getProgress().setFunction(
             [](std::size_t done, std::size_t total) {
                 if (done == total) throw Interrupted();
@@ -153,7 +138,7 @@ TEST(Progress, AnInterruptionWhileRecordsAreWrittenTakesTheBatchBack) {
         engine.getVertices(vertices);
         for (const Point3* vertex : vertices) ofVertices.insert(vertex->getOneTet());
         if (bWas3D) {
-            EXPECT_TRUE(meshOf(engine) == before);
+            EXPECT_TRUE(sortedMesh(tetsOf(engine)) == before);
             std::vector<Tet3*> tets;
             engine.getAllTetrahedra(tets);
             std::sort(tets.begin(), tets.end());

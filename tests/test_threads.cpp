@@ -30,8 +30,7 @@ struct Work {
         std::vector<Point3> batch = support::uniform(2000, seed);
         triangulation.insert(batch);
         for (Point3& p : support::uniform(200, seed + 100)) triangulation.insert(p);
-        std::vector<Tet3*> tets;
-        triangulation.getTetrahedra(tets);
+        std::vector<Tet3*> tets = support::tetsOf(triangulation);
         for (const Tet3* tet : tets) labels.push_back(VARN3D::MeshAccess::label(tet));
         numTets = tets.size();
         EXPECT_TRUE(triangulation.checkValidity("thread", true));

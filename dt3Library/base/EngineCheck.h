@@ -5,8 +5,8 @@
 namespace VARN3D {
 
 /// A check of the engine: the condition as a failure reports it, and a file with a line number.
-/// They stay the same in every version, so that a report from any of them names the same check;
-/// they say nothing of where the check stands in the source.
+/// No version changes them or uses them again, so that a report always names the same check; they
+/// say nothing of where the check stands in the source.
 struct EngineCheck {
     const char* condition;
     int number;

@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "dt3Library/base/vectors.h"
 #include "dt3Library/predicates/FloatingPoint.h"
-#include "dt3Library/predicates/predicateStages.h"
 
 namespace VARN3D {
 
@@ -95,23 +95,10 @@ struct CachedSphere {
     float squaredRadius;
 };
 
-namespace cachedSphere {
-
-using Row = predicateStages::Triple<double>;
-
-inline Row difference(const double (&p)[3], const double (&q)[3]) {
+/// p - q
+inline Vector3 difference(const double (&p)[3], const double (&q)[3]) {
     return {p[0] - q[0], p[1] - q[1], p[2] - q[2]};
 }
-
-inline Row cross(const Row& p, const Row& q) {
-    return {p.y * q.z - p.z * q.y, p.z * q.x - p.x * q.z, p.x * q.y - p.y * q.x};
-}
-
-inline double dot(const Row& p, const Row& q) {
-    return (p.x * q.x + p.y * q.y) + p.z * q.z;
-}
-
-}  // namespace cachedSphere
 
 /// The circumsphere of p, a, b, c (of either handedness), certified or not. `reach` must be at
 /// least |p|inf and `Certificate::LEAST_REACH`, and no coordinate above 2^30; see the theorem
@@ -119,16 +106,15 @@ inline double dot(const Row& p, const Row& q) {
 template <class Certificate = ProvedCertificate>
 CachedSphere makeSphere(const double (&p)[3], const double (&a)[3], const double (&b)[3],
                         const double (&c)[3], double reach) {
-    using namespace cachedSphere;
     constexpr double LARGEST = 0x1p127;
-    const Row rowA = difference(a, p), rowB = difference(b, p), rowC = difference(c, p);
-    const Row bc = cross(rowB, rowC), ca = cross(rowC, rowA), ab = cross(rowA, rowB);
+    const Vector3 rowA = difference(a, p), rowB = difference(b, p), rowC = difference(c, p);
+    const Vector3 bc = cross(rowB, rowC), ca = cross(rowC, rowA), ab = cross(rowA, rowB);
     const double liftA = dot(rowA, rowA), liftB = dot(rowB, rowB), liftC = dot(rowC, rowC);
     const double det = dot(rowA, bc);
     const double scale = 0.5 / det;
-    const Row centre{scale * ((liftA * bc.x + liftB * ca.x) + liftC * ab.x),
-                     scale * ((liftA * bc.y + liftB * ca.y) + liftC * ab.y),
-                     scale * ((liftA * bc.z + liftB * ca.z) + liftC * ab.z)};
+    const Vector3 centre{scale * ((liftA * bc.x + liftB * ca.x) + liftC * ab.x),
+                         scale * ((liftA * bc.y + liftB * ca.y) + liftC * ab.y),
+                         scale * ((liftA * bc.z + liftB * ca.z) + liftC * ab.z)};
     const double r2 = dot(centre, centre);
     const bool bCertified = det * det > Certificate::DETERMINANT * (liftA * liftB * liftC) +
                                             Certificate::LEAST_DETERMINANT &&
@@ -141,8 +127,8 @@ CachedSphere makeSphere(const double (&p)[3], const double (&a)[3], const double
 template <class Certificate = ProvedCertificate>
 int sideOfSphere(const CachedSphere& sphere, const double (&q)[3]) {
     const double centre[3] = {sphere.x, sphere.y, sphere.z};
-    const cachedSphere::Row away = cachedSphere::difference(q, centre);
-    const double distance = cachedSphere::dot(away, away);
+    const Vector3 away = difference(q, centre);
+    const double distance = dot(away, away);
     // As a double first: a product of floats would add an error as large as the whole margin.
     const auto r2 = static_cast<double>(sphere.squaredRadius);
     return (distance > r2 * (1.0 + Certificate::ETA) ? 1 : 0) -

@@ -117,7 +117,7 @@ FixedInteger<N + M> operator*(const FixedInteger<N>& a, const FixedInteger<M>& b
                 multiplyAdd(a.limbs[i], b.limbs[j], product.limbs[i + j], carry, carry);
         product.limbs[i + M] = carry;
     }
-    // Masks instead of branches: the signs are anybody's guess.
+    // Masks instead of branches: the signs are unpredictable.
     const std::uint64_t maskA = std::uint64_t{0} - (a.isNegative() ? 1U : 0U);
     const std::uint64_t maskB = std::uint64_t{0} - (b.isNegative() ? 1U : 0U);
     std::uint64_t borrow = 0;

@@ -84,12 +84,18 @@ class WideInteger {
         return result;
     }
 
+    /// Limbs for all of this number and b, of this one's sign.
+    WideInteger emptySpaceFor(const WideInteger& b) const {
+        WideInteger result;
+        result.bNegative = bNegative;
+        result.begin = std::min(begin, b.begin);
+        result.end = std::max(end, b.end);
+        return result;
+    }
+
     /// Adds magnitudes.
     WideInteger withAdded(const WideInteger& b) const {
-        WideInteger sum;
-        sum.bNegative = bNegative;
-        sum.begin = std::min(begin, b.begin);
-        sum.end = std::max(end, b.end);
+        WideInteger sum = emptySpaceFor(b);
         std::uint64_t carry = 0;
         for (int i = sum.begin; i < sum.end; ++i)
             sum.at(i) = addWithCarry(limbOrZero(i), b.limbOrZero(i), carry);
@@ -102,10 +108,7 @@ class WideInteger {
 
     /// Subtracts magnitudes; where b's is larger the sign changes.
     WideInteger withSubtracted(const WideInteger& b) const {
-        WideInteger difference;
-        difference.bNegative = bNegative;
-        difference.begin = std::min(begin, b.begin);
-        difference.end = std::max(end, b.end);
+        WideInteger difference = emptySpaceFor(b);
         std::uint64_t borrow = 0;
         for (int i = difference.begin; i < difference.end; ++i)
             difference.at(i) = subtractWithBorrow(limbOrZero(i), b.limbOrZero(i), borrow);

@@ -14,12 +14,6 @@ using namespace VARN3D;
 
 namespace {
 
-std::vector<Tet3*> tetrahedraOf(const Varn_3D& mesh) {
-    std::vector<Tet3*> tets;
-    if (mesh.is3D()) mesh.getTetrahedra(tets);
-    return tets;
-}
-
 using Positions = std::unordered_map<const Point3*, std::uint64_t>;
 
 Positions positionsIn(const Handles& handles) {
@@ -30,8 +24,31 @@ Positions positionsIn(const Handles& handles) {
 
 }  // namespace
 
+std::vector<Tet3*> tetsOf(const Varn_3D& mesh) {
+    std::vector<Tet3*> tets;
+    if (mesh.is3D()) mesh.getTetrahedra(tets);
+    return tets;
+}
+
+std::vector<Tet3*> tetsOf(const Dt3& engine) {
+    std::vector<Tet3*> tets;
+    engine.getAllTetrahedra(tets);
+    return tets;
+}
+
+SortedMesh sortedMesh(const std::vector<Tet3*>& tets) {
+    SortedMesh mesh(tets.size());
+    for (std::size_t t = 0; t < tets.size(); ++t) {
+        for (std::size_t i = 0; i < 4; ++i)
+            mesh[t][i] = coordinatesOf(*tets[t]->getCorner(static_cast<int>(i)));
+        std::sort(mesh[t].begin(), mesh[t].end());
+    }
+    std::sort(mesh.begin(), mesh.end());
+    return mesh;
+}
+
 std::uint64_t meshDigest(const Varn_3D& mesh, const Handles& handles) {
-    return meshDigest(tetrahedraOf(mesh), handles);
+    return meshDigest(tetsOf(mesh), handles);
 }
 
 std::uint64_t meshDigest(const std::vector<Tet3*>& mesh, const Handles& handles) {
@@ -64,7 +81,7 @@ std::uint64_t labelDigest(const Varn_3D& mesh, const Handles& handles, std::int3
     };
     const std::uint32_t numTaken = numBefore(Tet3::runningLabel);
     std::vector<std::pair<std::uint32_t, const Point3*>> makers;
-    for (const Tet3* tet : tetrahedraOf(mesh))
+    for (const Tet3* tet : tetsOf(mesh))
         makers.emplace_back(numBefore(MeshAccess::label(tet)), tet->getCorner(0));
     std::sort(makers.begin(), makers.end());
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "dt3Library/Dt3.h"
 #include "dt3Library/Varn_3D.h"
 
 namespace support {
@@ -14,6 +15,14 @@ inline Coordinates coordinatesOf(const VARN3D::Point3& p) {
     // Adding 0 makes a negative zero a positive one: they are equal coordinates.
     return {p.x() + 0.0, p.y() + 0.0, p.z() + 0.0};
 }
+
+std::vector<VARN3D::Tet3*> tetsOf(const VARN3D::Varn_3D& mesh);
+std::vector<VARN3D::Tet3*> tetsOf(const VARN3D::Dt3& engine);
+
+/// Tetrahedra without the order of their corners and their own. Of points in general position there
+/// is only one such mesh.
+using SortedMesh = std::vector<std::array<Coordinates, 4>>;
+SortedMesh sortedMesh(const std::vector<VARN3D::Tet3*>& tets);
 
 using Handles = std::vector<VARN3D::Point3*>;
 
