@@ -47,7 +47,7 @@ class FailureNote {
 }  // namespace
 
 Dt3::Dt3(const KernelSteps& theSteps)
-    : locator(predicates), cavity(predicates, tets), hull(predicates), kernelSteps(theSteps) {}
+    : locator(predicates), cavity(predicates, tets), kernelSteps(theSteps) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
@@ -129,7 +129,7 @@ void Dt3::insertAtOnce(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     BatchInsertion batch(predicates, kernelSteps, tets, store, progress);
     pRecentTet = batch.run(vVertices, pStart);
     numInMesh = batch.getNumVertices();
-    hull.forgetAll();
+    cavity.forgetAll();
 }
 
 Point3* Dt3::insert(const Point3& point) {
@@ -210,22 +210,14 @@ Tet3* Dt3::insertVertex(Point3*& pVtx, Tet3* pCurTet) {
     const WalkEnd place = locator.locate(pVtx, pCurTet);
     engineCheck(place.place != WalkEnd::Place::ON_THE_WAY, checks::WALK_ENDS);
     VARN3D_COUNT(insertions, 1);
-    pRecentTet = insertAt(place, pVtx);
-    if (place.place != WalkEnd::Place::AT_VERTEX) ++numInMesh;
-    return pRecentTet;
-}
-
-/// Inserts a vertex where it has been found to lie. One that equals a vertex of the mesh is
-/// replaced by that.
-Tet3* Dt3::insertAt(const WalkEnd& place, Point3*& pVtx) {
     if (place.place == WalkEnd::Place::AT_VERTEX) {
         pVtx = MeshAccess::corner(place.tet, place.index);
-        return place.tet;
+        pRecentTet = place.tet;
+    } else {
+        pRecentTet = cavity.insert(pVtx, place);
+        ++numInMesh;
     }
-    if (place.place == WalkEnd::Place::INSIDE) return cavity.insertInside(pVtx, place.tet);
-    VARN3D_TIME(secondsHull);
-    VARN3D_COUNT(hullInsertions, 1);
-    return cavity.insertOutside(pVtx, hull.list(pVtx, place.tet, place.index));
+    return pRecentTet;
 }
 
 Tet3* Dt3::startTetNear(const Point3& point) {

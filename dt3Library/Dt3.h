@@ -12,7 +12,6 @@
 #include "dt3Library/engine/Cavity.h"
 #include "dt3Library/engine/Locator.h"
 #include "dt3Library/engine/TetRecycler.h"
-#include "dt3Library/engine/VisibleHull.h"
 #include "dt3Library/engine/indexMesh.h"
 #include "dt3Library/kernel/BatchState.h"
 
@@ -62,7 +61,8 @@ class Dt3 {
     /// Inserts the listed vertices, starting at a tetrahedron of the mesh. A vertex that equals one
     /// of the mesh is replaced by it in the list.
     void triangulate(std::vector<Point3*>& vVertices, Tet3* pLastTet);
-    /// Inserts one vertex. Returns the tetrahedron from which the next walk should start.
+    /// Inserts one vertex; one that equals a vertex of the mesh is replaced by it. Returns the
+    /// tetrahedron from which the next walk should start.
     Tet3* insertVertex(Point3*& pVtx, Tet3* pCurTet);
 
     // Queries
@@ -99,13 +99,11 @@ class Dt3 {
     std::vector<Point3*> listWaiting() const;
     void insertOneByOne(std::vector<Point3*>& vNew);
     Tet3* startTetNear(const Point3& point);
-    Tet3* insertAt(const WalkEnd& place, Point3*& pVtx);
 
     GeomTest3 predicates;
     Locator locator;
     TetRecycler tets;
     Cavity cavity;
-    VisibleHull hull;
     bool bFullDimensional = false;
     HC3 store;
     /// How many vertices are corners of tetrahedra.

@@ -82,7 +82,7 @@ class CellMaker {
 
     /// Adds the facet of an edge, named by a tetrahedron and the corners beside the edge.
     void addFacet(Point3* neighbour, Tet3* tet, int opp3, int opp2, VoronoiCell& cell) {
-        HullEdge start(tet, opp2, opp3);
+        HullEdge start{tet, opp2, opp3};
         bool bBounded = false;
         while (!bBounded && !start.isAtHull()) {
             start.crossFacet();
@@ -91,9 +91,9 @@ class CellMaker {
         if (!bBounded) {
             tet = start.tet;
             opp3 = start.opp2;
-            opp2 = cornerBeside(start);
+            opp2 = start.opp3;
         }
-        HullEdge turn(tet, opp3, opp2);
+        HullEdge turn{tet, opp3, opp2};
         std::vector<std::size_t> passed;
         for (;;) {
             const std::size_t sphere = spheres[turn.tet];
@@ -112,20 +112,12 @@ class CellMaker {
         cell.volume += volumeBelow(passed, *neighbour - *vertex);
     }
 
-    /// The corner beside the edge that is not opposite the facet to cross.
-    static int cornerBeside(const HullEdge& edge) {
-        int k = 0;
-        while (k == edge.opp2 || MeshAccess::corner(edge.tet, k) == edge.endA ||
-               MeshAccess::corner(edge.tet, k) == edge.endB)
-            ++k;
-        return k;
-    }
-
     /// Whether the hull facets at both ends of a turn lie in one plane; `corner` is the one beside
     /// the edge on the first.
     bool isFlat(const Tet3* tet, int corner, const HullEdge& turn) const {
-        return predicates.getOrientation3(turn.endA, turn.endB, MeshAccess::corner(tet, corner),
-                                          MeshAccess::corner(turn.tet, cornerBeside(turn))) ==
+        const auto [a, b] = turn.ends();
+        return predicates.getOrientation3(a, b, MeshAccess::corner(tet, corner),
+                                          MeshAccess::corner(turn.tet, turn.opp3)) ==
                ORIENTATION3_COPLANAR;
     }
 

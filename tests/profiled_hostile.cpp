@@ -198,6 +198,6 @@ TEST_P(Hostile, ValidAndCheap) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sets, Hostile, testing::ValuesIn(CASES),
-                         [](const auto& set) { return std::string(set.param.name); });
+                         testing::PrintToStringParamName());
 
 }  // namespace

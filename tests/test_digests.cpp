@@ -40,11 +40,6 @@ std::uint64_t digestOf(const std::vector<Scenario>& scenarios) {
     return hash.value();
 }
 
-template <class Row>
-std::string nameOf(const testing::TestParamInfo<Row>& info) {
-    return info.param.name;
-}
-
 struct NamedSet {
     const char* name;
     Points points;
@@ -77,7 +72,7 @@ TEST_P(Digest, Batch) {
 TEST_P(Digest, Singles) {
     EXPECT_EQ(digestOf({{{false, GetParam().points}}}), GetParam().singles);
 }
-INSTANTIATE_TEST_SUITE_P(Sets, Digest, testing::ValuesIn(SETS), nameOf<NamedSet>);
+INSTANTIATE_TEST_SUITE_P(Sets, Digest, testing::ValuesIn(SETS), testing::PrintToStringParamName());
 
 /// Around powers of two another level of the insertion order begins.
 std::vector<Scenario> sizes() {
@@ -159,6 +154,6 @@ TEST_P(SuccessionDigest, IsRecorded) {
     EXPECT_EQ(digestOf(GetParam().make()), GetParam().digest);
 }
 INSTANTIATE_TEST_SUITE_P(Successions, SuccessionDigest, testing::ValuesIn(SUCCESSIONS),
-                         nameOf<NamedSuccession>);
+                         testing::PrintToStringParamName());
 
 }  // namespace

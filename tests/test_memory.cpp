@@ -304,7 +304,7 @@ TEST_P(OutOfMemory, LeavesAMeshToGoOnWith) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, OutOfMemory, testing::ValuesIn(CASES),
-                         [](const auto& set) { return std::string(set.param.name); });
+                         testing::PrintToStringParamName());
 
 TEST(Memory, ThatRunsOutIsReported) {
     Varn_3D triangulation;

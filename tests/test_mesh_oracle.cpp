@@ -100,8 +100,8 @@ const NamedMode MODES[] = {
 };
 
 class MeshOracle : public testing::TestWithParam<NamedMode> {};
-const auto NAME_OF_MODE = [](const auto& mode) { return mode.param.name; };
-INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES), NAME_OF_MODE);
+INSTANTIATE_TEST_SUITE_P(Modes, MeshOracle, testing::ValuesIn(MODES),
+                         testing::PrintToStringParamName());
 
 TEST_P(MeshOracle, SmallLattices) {
     for (std::uint64_t seed = 0; seed < 40; ++seed) {

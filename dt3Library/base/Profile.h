@@ -36,6 +36,7 @@ struct Profile {
     double secondsWalk = 0.0;
     double secondsConflict = 0.0;
     double secondsCreation = 0.0;
+    /// Of those for the conflict: looking for the part of the hull that a vertex sees.
     double secondsHull = 0.0;
 
     void countWalk(std::uint64_t steps) {

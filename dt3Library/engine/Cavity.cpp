@@ -112,49 +112,33 @@ struct Cavity::View {
 };
 
 Cavity::Cavity(const GeomTest3& geomTest, TetRecycler& recycler)
-    : predicates(geomTest), tets(recycler) {}
+    : predicates(geomTest), tets(recycler), hull(geomTest) {}
 
 // ---- Insertion ---------------------------------------------------------------------------------
 
-Tet3* Cavity::insertInside(Point3* p, Tet3* start) {
-    prepare(p, [&] {
-        VARN3D_TIME(secondsConflict);
-        engineCheck(isInConflict(start), checks::START_IN_CONFLICT);
-        doom(start);
-        growRegion();
-    });
+Tet3* Cavity::insert(Point3* p, const WalkEnd& place) {
+    newVertex = p;
+    prepare(place);
     VARN3D_TIME(secondsCreation);
     Tet3* last = fill();
     const std::size_t numStoredTCS = gluing.glue(created);
-    if (numStoredTCS != 0)
+    // Outside, the facets between the new vertex and the horizon find no partner: the new hull.
+    const bool bClosed = numStoredTCS == 0 || place.place == WalkEnd::Place::AT_HULL;
+    if (!bClosed)
         messageStream() << "numStoredTCS after insertVertex: " << numStoredTCS << std::endl;
-    engineCheck(numStoredTCS == 0, checks::CAVITY_IS_CLOSED);
-    return last;
-}
-
-Tet3* Cavity::insertOutside(Point3* p, const std::vector<Tet3*>& vVisible) {
-    prepare(p, [&] {
-        for (Tet3* tet : vVisible)
-            if (isInConflict(tet)) doom(tet);
-        growRegion();
-        for (Tet3* tet : vVisible)
-            if (!MeshAccess::visited(tet)) addFacetsSeen(tet);
-    });
-    Tet3* last = fill();
-    // What finds no partner is the facets between the new vertex and the horizon: the new hull.
-    gluing.glue(created);
+    engineCheck(bClosed, checks::CAVITY_IS_CLOSED);
     return last;
 }
 
 /// Searches region and bases, and reserves what the filling needs. If any of it throws, the mesh is
 /// as it was.
-template <class Search>
-void Cavity::prepare(Point3* p, Search search) {
-    newVertex = p;
+void Cavity::prepare(const WalkEnd& place) {
+    VARN3D_TIME(secondsConflict);
     region.clear();
     bases.clear();
     try {
-        search();
+        startRegion(place);
+        growRegion();
         engineCheck(!bases.empty(), checks::CAVITY_HAS_FACETS);
         tets.reserve(bases.size(), region.size());
         gluing.reserve(bases.size());
@@ -170,6 +154,19 @@ void Cavity::prepare(Point3* p, Search search) {
 bool Cavity::isInConflict(const Tet3* tet) const {
     VARN3D_COUNT(sphereTests, 1);
     return predicates.sphereInclusionTest(tet, newVertex) != SIC_OUTSIDE;
+}
+
+/// Inside, the region begins with the tetrahedron that holds the new vertex; outside, with what
+/// lies behind the hull facets that it sees.
+void Cavity::startRegion(const WalkEnd& place) {
+    if (place.place == WalkEnd::Place::INSIDE) {
+        engineCheck(isInConflict(place.tet), checks::START_IN_CONFLICT);
+        doom(place.tet);
+        return;
+    }
+    VARN3D_COUNT(hullInsertions, 1);
+    for (const VisibleHull::Facet& facet : hull.list(newVertex, place.tet, place.index))
+        coverHullFacet(facet.tet, facet.index);
 }
 
 inline void Cavity::doom(Tet3* tet) {
@@ -238,17 +235,19 @@ inline void Cavity::addBase(const View& seen, int ith, Tet3* outer, int index) {
     bases.push_back({{a, b, c}, outer, index});
 }
 
-/// Notes the hull facets of a tetrahedron that stays, as far as the new vertex sees them.
-void Cavity::addFacetsSeen(Tet3* tet) {
-    for (int ith = 0; ith < 4; ++ith) {
-        if (MeshAccess::neighbour(tet, ith) != nullptr) continue;
-        if (predicates.getOrientation3(tet, ith, newVertex) != ORIENTATION3_NEGATIVE) continue;
-        const auto& facet = OUTER_FACET[ith];
-        bases.push_back({{MeshAccess::corner(tet, facet[0]), MeshAccess::corner(tet, facet[1]),
-                          MeshAccess::corner(tet, facet[2])},
-                         tet,
-                         ith});
+/// Takes in what lies behind a hull facet that the new vertex sees: the tetrahedron if that is in
+/// conflict, else the facet is one to build on.
+void Cavity::coverHullFacet(Tet3* tet, int ith) {
+    if (MeshAccess::visited(tet)) return;
+    if (isInConflict(tet)) {
+        doom(tet);
+        return;
     }
+    const auto& facet = OUTER_FACET[ith];
+    bases.push_back({{MeshAccess::corner(tet, facet[0]), MeshAccess::corner(tet, facet[1]),
+                      MeshAccess::corner(tet, facet[2])},
+                     tet,
+                     ith});
 }
 
 // ---- Filling -----------------------------------------------------------------------------------

@@ -6,6 +6,8 @@
 #include "dt3Library/GeomTest3.h"
 #include "dt3Library/engine/FacetGluing.h"
 #include "dt3Library/engine/TetRecycler.h"
+#include "dt3Library/engine/VisibleHull.h"
+#include "dt3Library/engine/WalkEnd.h"
 
 namespace VARN3D {
 
@@ -21,13 +23,12 @@ class Cavity {
   public:
     Cavity(const GeomTest3& geomTest, TetRecycler& recycler);
 
-    /// Inserts a vertex that lies inside the hull, into a tetrahedron that holds it. Returns the
-    /// last new tetrahedron. O(size of the region).
-    Tet3* insertInside(Point3* p, Tet3* start);
+    /// Inserts a vertex where it has been found to lie, INSIDE or AT_HULL. Returns the last new
+    /// tetrahedron. O(size of the region, and of the hull that the vertex sees).
+    Tet3* insert(Point3* p, const WalkEnd& place);
 
-    /// Inserts a vertex that lies outside the hull, or on it. `vVisible` are the tetrahedra with
-    /// a hull facet that it sees, each once. Returns the last new tetrahedron.
-    Tet3* insertOutside(Point3* p, const std::vector<Tet3*>& vVisible);
+    /// To be called when tetrahedra's records have gone.
+    void forgetAll() { hull.forgetAll(); }
 
     /// A tetrahedron of four vertices without neighbours. Checks the orientation: a negative one is
     /// printed and refused, a flat one printed and kept.
@@ -44,20 +45,21 @@ class Cavity {
 
     struct View;
 
-    template <class Search>
-    void prepare(Point3* p, Search search);
+    void prepare(const WalkEnd& place);
+    void startRegion(const WalkEnd& place);
     bool isInConflict(const Tet3* tet) const;
     bool isInConflict(const View& seen, int ith, const Tet3* outer, int index) const;
     void growRegion();
     void visitNeighbours(const Tet3* tet);
     void addBase(const View& seen, int ith, Tet3* outer, int index);
-    void addFacetsSeen(Tet3* tet);
+    void coverHullFacet(Tet3* tet, int ith);
     void doom(Tet3* tet);
     Tet3* fill();
     void checkOrientation(Point3* a, Point3* b, Point3* c, Point3* d) const;
 
     const GeomTest3& predicates;
     TetRecycler& tets;
+    VisibleHull hull;
     FacetGluing gluing;
     Point3* newVertex = nullptr;
     /// The doomed tetrahedra in the order of their finding, and the facets that will carry new

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <utility>
 
 #include "dt3Library/base/EngineCheck.h"
 #include "dt3Library/base/MeshAccess.h"
@@ -30,37 +32,33 @@ class LoopWatch {
     std::size_t numSteps = 0;
 };
 
-/// An edge, to be turned around through the tetrahedra at it until the hull: a small twin of
-/// `Edge3` and `TetAroundEdgeIterator`, since whole hulls are walked over with it. On a mesh with
-/// faults a turn ends in a failed check.
+/// The edge of a tetrahedron opposite corners opp3 and opp2, to be turned around through the
+/// tetrahedra at it until the hull: it has been reached through facet opp3, and goes on across
+/// facet opp2. A small twin of `Edge3` and `TetAroundEdgeIterator`, since whole hulls are walked
+/// over with it. On a mesh with faults a turn ends in a failed check.
 struct HullEdge {
-    /// The edge opposite corners opp3 and opp2. The turn begins at facet opp3 and goes on across
-    /// facet opp2.
-    HullEdge(Tet3* pTet, int opp3ICI, int opp2ICI) : tet(pTet), opp2(opp2ICI) {
+    /// Both ends, in the order of their addresses.
+    std::pair<const Point3*, const Point3*> ends() const {
         int k = 0;
-        while (k == opp3ICI || k == opp2ICI) ++k;
-        endA = MeshAccess::corner(tet, k);
-        endB = MeshAccess::corner(tet, 6 - k - opp3ICI - opp2ICI);
+        while (k == opp3 || k == opp2) ++k;
+        const Point3* a = MeshAccess::corner(tet, k);
+        const Point3* b = MeshAccess::corner(tet, 6 - k - opp3 - opp2);
+        return std::minmax(a, b, std::less<const Point3*>());
     }
-
-    const Point3* low() const { return std::less<const Point3*>()(endA, endB) ? endA : endB; }
-    const Point3* high() const { return low() == endA ? endB : endA; }
 
     /// Whether facet opp2 lies on the hull.
     bool isAtHull() const { return MeshAccess::neighbour(tet, opp2) == nullptr; }
 
-    /// Goes on to the tetrahedron across facet opp2. The next facet to cross lies opposite the
-    /// corner that neither belongs to the edge nor lies beyond the facet just crossed.
+    /// Goes on to the tetrahedron across facet opp2. The corner beside the edge that both
+    /// tetrahedra share is the one to be left next.
     void crossFacet() {
+        const Point3* const shared = MeshAccess::corner(tet, opp3);
         Tet3* const next = MeshAccess::neighbour(tet, opp2);
-        int nextOpp2 = 0;
-        while (nextOpp2 < 4 && (MeshAccess::neighbour(next, nextOpp2) == tet ||
-                                MeshAccess::corner(next, nextOpp2) == endA ||
-                                MeshAccess::corner(next, nextOpp2) == endB))
-            ++nextOpp2;
-        requireHull(nextOpp2 < 4);
+        opp3 = MeshAccess::indexOfNeighbour(next, tet);
+        opp2 = 0;
+        while (opp2 < 4 && MeshAccess::corner(next, opp2) != shared) ++opp2;
+        requireHull(opp2 < 4 && opp2 != opp3);
         tet = next;
-        opp2 = nextOpp2;
     }
 
     /// Goes on until a facet lies on the hull. Returns through how many facets.
@@ -80,9 +78,8 @@ struct HullEdge {
     static void requireHull(bool bMayCome) { engineCheck(bMayCome, checks::EDGE_COMES_TO_HULL); }
 
     Tet3* tet;
+    int opp3;
     int opp2;
-    const Point3* endA;
-    const Point3* endB;
 };
 
 }  // namespace VARN3D

@@ -27,7 +27,7 @@ class HullTurns {
     }
 
     /// To be called when tetrahedra's records have gone.
-    void forgetAll() { lastTets.clear(); }
+    void forgetAll() { lastTurns.clear(); }
 
   private:
     using Ends = std::pair<const Point3*, const Point3*>;
@@ -41,50 +41,34 @@ class HullTurns {
     static constexpr std::size_t LONG_TURN = 32;
     static constexpr std::size_t FEW_TURNS = 1024;
 
-    /// A hull facet of the tetrahedron at the edge between the ends; -1 if it has none, or is no
-    /// longer in the mesh.
-    static int hullFacetAt(const Ends& ends, const Tet3* tet) {
-        if (MeshAccess::visited(tet)) return -1;
-        int numEnds = 0;
-        int facet = -1;
-        for (int i = 0; i < 4; ++i) {
-            const Point3* corner = MeshAccess::corner(tet, i);
-            if (corner == ends.first || corner == ends.second)
-                ++numEnds;
-            else if (MeshAccess::neighbour(tet, i) == nullptr)
-                facet = i;
-        }
-        return numEnds == 2 ? facet : -1;
+    /// Whether an edge still has these ends, and is at the hull.
+    static bool isEnd(const HullEdge& edge, const Ends& ends) {
+        return !MeshAccess::visited(edge.tet) && edge.ends() == ends && edge.isAtHull();
     }
 
     bool isRemembered(HullEdge& edge) {
-        if (lastTets.empty()) return false;
-        const auto found = lastTets.find({edge.low(), edge.high()});
-        if (found == lastTets.end()) return false;
+        if (lastTurns.empty()) return false;
+        const auto found = lastTurns.find(edge.ends());
+        if (found == lastTurns.end() || !isEnd(found->second, found->first)) return false;
         // The tetrahedron to begin with has the hull facet to be left, which is not the end.
-        Tet3* tet = found->second;
-        if (tet == edge.tet) return false;
-        const int facet = hullFacetAt(found->first, tet);
-        if (facet < 0) return false;
-        edge.tet = tet;
-        edge.opp2 = facet;
+        if (found->second.tet == edge.tet) return false;
+        edge = found->second;
         return true;
     }
 
     void remember(const HullEdge& edge) {
-        if (lastTets.size() >= maxTurns) forgetOldTurns();
-        lastTets[{edge.low(), edge.high()}] = edge.tet;
+        if (lastTurns.size() >= maxTurns) forgetOldTurns();
+        lastTurns[edge.ends()] = edge;
     }
 
     /// Keeps what is remembered within twice what is of use.
     void forgetOldTurns() {
-        for (auto turn = lastTets.begin(); turn != lastTets.end();)
-            turn =
-                hullFacetAt(turn->first, turn->second) < 0 ? lastTets.erase(turn) : std::next(turn);
-        maxTurns = FEW_TURNS + 2 * lastTets.size();
+        for (auto turn = lastTurns.begin(); turn != lastTurns.end();)
+            turn = isEnd(turn->second, turn->first) ? std::next(turn) : lastTurns.erase(turn);
+        maxTurns = FEW_TURNS + 2 * lastTurns.size();
     }
 
-    std::unordered_map<Ends, Tet3*, HashOfEnds> lastTets;
+    std::unordered_map<Ends, HullEdge, HashOfEnds> lastTurns;
     std::size_t maxTurns = FEW_TURNS;
 };
 

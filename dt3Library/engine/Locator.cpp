@@ -55,7 +55,7 @@ const Point3* findNearestStar(const Point3& point, const Tet3* tet, std::vector<
 
 /// The point lies on the edge opposite two corners: looks for a hull facet at that edge.
 WalkEnd lookAroundEdge(Tet3* tet, int opp3, int opp2) {
-    HullEdge edge(tet, opp3, opp2);
+    HullEdge edge{tet, opp3, opp2};
     LoopWatch loop(tet);
     while (!edge.isAtHull()) {
         edge.crossFacet();

@@ -202,7 +202,8 @@ void MeshSearch::listConflicts(const Point3& point, std::vector<Tet3*>& region) 
             region.push_back(candidate);
     };
     if (place.kind == LocationKind::OUTSIDE)
-        for (Tet3* visible : hull.list(&point, place.tet, place.opp3)) look(visible);
+        for (const VisibleHull::Facet& facet : hull.list(&point, place.tet, place.opp3))
+            look(facet.tet);
     else
         look(place.tet);
     for (; next < region.size(); ++next)
