@@ -88,9 +88,9 @@ std::shared_ptr<const IndexedMesh> SharedMesh::getIndexedMesh() {
     return indexAlone();
 }
 
-std::shared_ptr<const VertexGraph> SharedMesh::getVertexGraph() {
+std::shared_ptr<const VertexGraph> SharedMesh::getVertexGraph(const Poll& poll) {
     const Alone alone(access);
-    if (!graph) graph = std::make_shared<const VertexGraph>(*indexAlone(), numPoints);
+    if (!graph) graph = std::make_shared<const VertexGraph>(*indexAlone(), numPoints, poll);
     return graph;
 }
 

@@ -32,7 +32,7 @@ class SharedMesh {
     /// @{
     /// Made when it is first asked for after an insertion.
     std::shared_ptr<const VARN3D::IndexedMesh> getIndexedMesh();
-    std::shared_ptr<const VertexGraph> getVertexGraph();
+    std::shared_ptr<const VertexGraph> getVertexGraph(const Poll& poll);
     /// @}
 
     /// The tetrahedron that holds each query, -1 outside the hull.

@@ -36,12 +36,15 @@ class Stars {
 
 }  // namespace
 
-VertexGraph::VertexGraph(const IndexedMesh& mesh, std::size_t numPoints) {
+VertexGraph::VertexGraph(const IndexedMesh& mesh, std::size_t numPoints,
+                         const std::function<void()>& poll) {
     const Stars stars(mesh, numPoints);
     std::vector<std::int32_t> lastSeenBy(numPoints, -1);
     starts.reserve(numPoints + 1);
     starts.push_back(0);
     for (std::size_t k = 0; k < numPoints; ++k) {
+        constexpr std::size_t BETWEEN_POLLS = 256;
+        if (k % BETWEEN_POLLS == 0) poll();
         const auto self = static_cast<std::int32_t>(k);
         const auto first = static_cast<std::ptrdiff_t>(neighbours.size());
         stars.forEachAround(k, [&](std::size_t t) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "dt3Library/IndexedMesh.h"
@@ -11,8 +12,9 @@ namespace varn3d_python {
 /// neighbours[starts[k + 1]], ascending.
 class VertexGraph {
   public:
-    /// O(number of tetrahedra).
-    VertexGraph(const VARN3D::IndexedMesh& mesh, std::size_t numPoints);
+    /// Calls `poll` now and then, which may throw. O(number of tetrahedra).
+    VertexGraph(const VARN3D::IndexedMesh& mesh, std::size_t numPoints,
+                const std::function<void()>& poll);
 
     const std::vector<std::int32_t>& getStarts() const { return starts; }
     const std::vector<std::int32_t>& getNeighbours() const { return neighbours; }

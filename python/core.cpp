@@ -81,7 +81,7 @@ auto part(Table VARN3D::IndexedMesh::*table) {
 }
 
 py::tuple getVertexGraph(SharedMesh& mesh) {
-    const auto graph = unlocked([&] { return mesh.getVertexGraph(); });
+    const auto graph = unlocked([&] { return mesh.getVertexGraph(SignalPoll()); });
     return py::make_tuple(arrayOf(graph->getStarts(), graph),
                           arrayOf(graph->getNeighbours(), graph));
 }

@@ -7,7 +7,8 @@ root=$(unset CDPATH && cd -- "$(dirname -- "$0")/.." && pwd)
 build="$root/build/packages"
 . "$root/scripts/packages.sh"
 
-install_missing g++ make cmake dpkg-dev libcli11-dev python3-dev pybind11-dev
+install_missing g++ make cmake dpkg-dev libcli11-dev python3-dev python3-numpy \
+    pybind11-dev
 for linkage in static shared; do
     shared=OFF
     tools=ON
@@ -29,3 +30,11 @@ cpack --config static/CPackConfig.cmake -G DEB -D CPACK_PACKAGE_NAME=python3-var
     -D CPACK_INSTALL_CMAKE_PROJECTS="$build/static;Varn3D;python;/" \
     -D CPACK_DEBIAN_PACKAGE_DEPENDS="$python, python3-numpy" \
     -D CPACK_DEBIAN_PACKAGE_SECTION=python -D CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS=OFF
+
+# Nothing but what it holds and depends on is needed.
+rm -rf unpacked
+dpkg-deb -x python3-varn3d_*.deb unpacked
+/usr/bin/python3 -I -c '
+import sys; sys.path.insert(0, "unpacked/usr/lib/python3/dist-packages")
+import varn3d
+assert varn3d.Delaunay([[0, 0, 0], [1, 0, 0], [0, 1, 0], [0, 0, 1], [1, 1, 1]]).check()'

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cmath>
@@ -91,7 +92,7 @@ TEST(Insertion, Messages) {
                 testing::HasSubstr(" with --checkSphereInc\n"));
     EXPECT_THAT(outputOf([&] { mesh.print("label"); }),
                 testing::StartsWith("\n\n**** Dt3::print(label), numTets=1\nTetrahedron (ID="));
-    const std::string file = testing::TempDir() + "varn3d_shown";
+    const std::string file = testing::TempDir() + "varn3d_shown_" + std::to_string(::getpid());
     outputOf([&] { mesh.show(file, &one[0]); });
     std::ostringstream shown;
     shown << std::ifstream(file).rdbuf();

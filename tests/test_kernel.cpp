@@ -98,7 +98,7 @@ std::vector<VertexNumber> meshNumberedFrom(std::uint32_t firstNumber, const Poin
         auto& at = state.mesh.vertices()[v].at;
         handles[v - 1]->xyz(at[0], at[1], at[2]);
     }
-    MeshLoader(tets, records, places, numbers, state).load(portableSteps());
+    MeshLoader(tets, records, places, numbers, state).load(portableSteps(), progress);
     state.firstNumber = firstNumber;
     Slot start = 1;
     for (VertexNumber v = 5; v <= n; ++v) start = portableSteps().insertVertex(state, v, start);

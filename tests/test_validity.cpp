@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -100,8 +101,7 @@ class Validity : public testing::Test {
   protected:
     void SetUp() override {
         directory = std::filesystem::path(testing::TempDir()) /
-                    (std::string("varn3d_") +
-                     testing::UnitTest::GetInstance()->current_test_info()->name());
+                    ("varn3d_validity_" + std::to_string(::getpid()));
         std::filesystem::create_directories(directory);
         std::filesystem::current_path(directory);
         Points points = {{0, 0, 0}, {4, 0, 0}, {0, 4, 0}, {1, 1, 3}, {1, 1, -3}};

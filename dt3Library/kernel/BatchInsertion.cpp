@@ -36,7 +36,7 @@ Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     listNewVertices(vVertices);
     setUpState();
     MeshLoader loader(tets, records, storeIndex, numberInStore, *state);
-    loader.load(steps);
+    loader.load(steps, progress);
     progress.setTotal(points.size() - firstNew);
     VertexNumber vertex = firstNew;
     if (goesOnAt(vertex)) insertAlongOrder(vertex, loader.slotOfRecord(pStart));
@@ -62,8 +62,10 @@ void BatchInsertion::listMeshVertices() {
 /// Takes the list's memory away.
 void BatchInsertion::listNewVertices(std::vector<Point3*>& vVertices) {
     InsertionOrder order(vVertices.size());
-    for (std::size_t position; order.next(position);)
+    for (std::size_t position; order.next(position);) {
+        static_cast<void>(progress.goesOn(0));
         if (vVertices[position]->getOneTet() == nullptr) points.push_back(vVertices[position]);
+    }
     std::vector<Point3*>().swap(vVertices);
 }
 
@@ -87,8 +89,10 @@ void BatchInsertion::setUpState() {
                                          records.size() + expectedTets(points.size() - firstNew),
                                          frame.isCertifiable());
     CompactVertex* const vertices = state->mesh.vertices();
-    for (std::size_t i = 1; i <= numVertices; ++i)
+    for (std::size_t i = 1; i <= numVertices; ++i) {
+        static_cast<void>(progress.goesOn(0));
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
+    }
     state->findLattice(numVertices);
 }
 

@@ -1,11 +1,13 @@
 #include "dt3Library/kernel/MeshLoader.h"
 
+#include <algorithm>
+
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/prefetch.h"
 
 namespace VARN3D {
 
-void MeshLoader::load(const KernelSteps& steps) {
+void MeshLoader::load(const KernelSteps& steps, BatchProgress& progress) {
     CompactMesh& mesh = state.mesh;
     const std::size_t numRecords = records.size();
     mesh.reserve(numRecords);
@@ -19,6 +21,7 @@ void MeshLoader::load(const KernelSteps& steps) {
                 for (int i = 0; i < 4; ++i)
                     prefetchRecord(MeshAccess::neighbour(record + AHEAD, i));
             const Slot slot = mesh.take();
+            if (slot % 64 == 0) static_cast<void>(progress.goesOn(0));
             if (isFree[slot - 1])
                 mesh.tets()[slot] = {};
             else
@@ -26,7 +29,12 @@ void MeshLoader::load(const KernelSteps& steps) {
         }
     });
     addGhosts();
-    steps.makeSpheres(state, 1, mesh.numSlots() - 1);
+    constexpr std::size_t SLOTS_A_STEP = 4096;
+    for (std::size_t first = 1; first < mesh.numSlots(); first += SLOTS_A_STEP) {
+        static_cast<void>(progress.goesOn(0));
+        steps.makeSpheres(state, static_cast<Slot>(first),
+                          std::min(SLOTS_A_STEP, mesh.numSlots() - first));
+    }
     for (std::size_t i = 0; i < numRecords; ++i)
         if (isFree[i]) mesh.release(static_cast<Slot>(i) + 1);
 }

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "dt3Library/base/BatchProgress.h"
 #include "dt3Library/engine/TetRecycler.h"
 #include "dt3Library/geom_tools/PoolIndex.h"
 #include "dt3Library/kernel/BatchState.h"
@@ -23,8 +24,9 @@ class MeshLoader {
           numberOfVertex(numbers),
           state(batchState) {}
 
-    /// O(n). Throws std::bad_alloc.
-    void load(const KernelSteps& steps);
+    /// O(n). Throws std::bad_alloc, and what the host's function throws, which can't stop it
+    /// otherwise.
+    void load(const KernelSteps& steps, BatchProgress& progress);
 
     Slot slotOfRecord(const Tet3* record) const {
         return static_cast<Slot>(records.indexOf(record)) + 1;

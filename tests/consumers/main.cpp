@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <iostream>
-#include <map>
 #include <vector>
 
 #if VARN3D_VERSION < 9900 || VARN3D_VERSION_MAJOR > 0
@@ -29,19 +28,20 @@ int main() {
     VARN3D::Varn_3D mesh;
     std::vector<VARN3D::Point3*> handles;
     mesh.insert(points, handles);
-    std::map<const VARN3D::Point3*, std::uint64_t> numberOf;
-    for (std::size_t i = 0; i < points.size(); ++i) numberOf[handles[i]] = i + 1;
-
-    std::vector<VARN3D::Tet3*> tets;
-    mesh.getTetrahedra(tets);
+    const VARN3D::IndexedMesh indexed = mesh.getIndexedMesh();
     std::uint64_t sum = 0;
-    for (const VARN3D::Tet3* tet : tets) {
+    for (const auto& corners : indexed.tetrahedra) {
         std::uint64_t product = 1;
-        for (int i = 0; i < 4; ++i) product *= 1000003 + numberOf.at(tet->getCorner(i));
+        for (const std::int32_t corner : corners)
+            product *= 1000004 + static_cast<std::uint64_t>(corner);
         sum += product;
     }
-    const bool bRight = sum == 5379931981841752474U;
-    std::cout << VARN3D::getVarn3DVersion() << ": " << tets.size() << (bRight ? " right" : " WRONG")
-              << " tetrahedra, sum " << sum << "\n";
+    VARN3D::PointLocator locator(mesh);
+    const bool bRight = sum == 5496429778931765576U &&
+                        locator.nearestVertex(points[7]) == handles[7] &&
+                        locator.locate({0, 0, 0}).kind == VARN3D::LocationKind::OUTSIDE &&
+                        !VARN3D::getVoronoiCell(mesh, handles[7]).facets.empty();
+    std::cout << VARN3D::getVarn3DVersion() << ": " << indexed.tetrahedra.size()
+              << (bRight ? " right" : " WRONG") << " tetrahedra, sum " << sum << "\n";
     return bRight ? 0 : 1;
 }

@@ -347,6 +347,8 @@ def test_signals_are_heard_and_end_what_takes_long():
         assert len(np.unique(mesh.simplices)) < n + count and mesh.check()
         mesh.add_points(many[len(mesh.points):n + count])
         assert rows(mesh.simplices) == rows(Delaunay(many[:n + count]).simplices)
+    with pytest.raises(Rung), Alarm(raises=True):
+        mesh.vertex_neighbor_vertices
 
 
 def test_threads_share_a_mesh():
