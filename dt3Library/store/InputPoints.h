@@ -14,25 +14,29 @@ class InputPoints {
   public:
     // Implicit: a vector of points is what most callers have.
     InputPoints(const std::vector<Point3>& points)
-        : first(points.empty() ? nullptr : MeshAccess::coordinates(points.front())),
-          stride(sizeof(Point3) / sizeof(double)),
-          numPoints(points.size()) {}
+        : InputPoints(points.empty() ? nullptr : MeshAccess::coordinates(points.front()),
+                      points.size(), sizeof(Point3)) {}
     /// x, y, z of each of n points.
-    InputPoints(const double* xyz, std::size_t n) : first(xyz), stride(3), numPoints(n) {}
+    InputPoints(const double* xyz, std::size_t n) : InputPoints(xyz, n, 3 * sizeof(double)) {}
 
     std::size_t size() const { return numPoints; }
     bool empty() const { return numPoints == 0; }
     Point3 operator[](std::size_t i) const {
-        const double* const at = first + i * stride;
+        const double* const at = coordinates(i);
         return Point3(at[0], at[1], at[2]);
     }
-    void prefetch(std::size_t i) const { prefetchBytes(first + i * stride, 3 * sizeof(double)); }
+    void prefetch(std::size_t i) const { prefetchBytes(coordinates(i), 3 * sizeof(double)); }
 
   private:
-    static_assert(sizeof(Point3) % sizeof(double) == 0, "points are a whole number of doubles");
+    InputPoints(const double* first, std::size_t n, std::size_t numBytes)
+        : bytes(reinterpret_cast<const char*>(first)), stride(numBytes), numPoints(n) {}
 
-    const double* first;
-    /// From a point to the next, in doubles.
+    const double* coordinates(std::size_t i) const {
+        return reinterpret_cast<const double*>(bytes + i * stride);
+    }
+
+    const char* bytes;
+    /// From a point to the next, in bytes: 32-bit platforms align doubles to four of them.
     std::size_t stride;
     std::size_t numPoints;
 };
