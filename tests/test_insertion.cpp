@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <iomanip>
 #include <limits>
 #include <set>
@@ -18,6 +19,8 @@
 #include "dt3Library/Varn_3D.h"
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/engine/Cavity.h"
+#include "dt3Library/engine/HullTurns.h"
+#include "dt3Library/engine/Locator.h"
 #include "tests/support/CaptureOutput.h"
 #include "tests/support/Failures.h"
 #include "tests/support/MeshDigest.h"
@@ -103,15 +106,19 @@ TEST(Insertion, Messages) {
               checkReport("vTet.empty()", "dt3Library/Dt3.cpp:1300"));
 }
 
-TEST(Insertion, WithoutStartTriangulateEndsTheProcess) {
-    Dt3 engine;
+TEST(Insertion, WithoutATetrahedronTheProcessEnds) {
+    const GeomTest3 predicates;
+    const Tet3* const none = nullptr;
+    const Point3 p;
     std::vector<Point3*> list;
-    EXPECT_DEATH(
-        {
-            exchangeMessageStream(&std::cerr);
-            engine.triangulate(list, nullptr);
-        },
-        "goToHell, ERROR:  reason: pLastTet==NULL in Dt3::triangulate");
+    const std::pair<std::string, std::function<void()>> cases[] = {
+        {"pLastTet==NULL in Dt3::triangulate", [&] { Dt3().triangulate(list, nullptr); }},
+        {"locateConflictTet", [&] { Locator(predicates).locate(&p, nullptr); }},
+        {"getOrientation3, pC==NULL", [&] { predicates.getOrientation3(none, 2, &p); }}};
+    for (const auto& [reason, operation] : cases) {
+        const std::string message = "      goToHell, ERROR:  reason: " + reason;
+        EXPECT_DEATH((exchangeMessageStream(&std::cerr), operation()), message);
+    }
 }
 
 TEST(Insertion, PointsThatAreNotFiniteChangeNothing) {
@@ -208,6 +215,11 @@ TEST(Insertion, TetrahedraAreCheckedWhenTheyAreMade) {
         report("NEGATIVE", {&b, &a, &c, &d}) + checkReport("false", "dt3Library/Dt3.cpp:980"));
     EXPECT_EQ(outputOf([&] { EXPECT_NE(cavity.createTet(&a, &b, &c, &e), nullptr); }),
               report("COPLANAR", {&a, &b, &c, &e}) + "..probably a legal situaion but observe!\n");
+    Tet3* const tet = cavity.createTet(&a, &b, &c, &d);
+    Point3 far(9, 9, 9);
+    const WalkEnd inside{WalkEnd::Place::INSIDE, tet};
+    EXPECT_THAT(outputOf([&] { EXPECT_THROW(cavity.insert(&far, inside), VarnException); }),
+                testing::EndsWith("dt3Library/Dt3.cpp:574\n"));
 }
 
 void expectValid(Points batch, const Points& singles) {
@@ -240,6 +252,25 @@ TEST(Insertion, SinglesInGapsAndLargeRegions) {
     for (std::uint64_t seed = 0; seed < 20; ++seed) {
         const Points points = shuffled(momentCurve(78), seed);
         expectValid({points.begin(), points.begin() + 8}, points);
+    }
+}
+
+// What is remembered of long turns outlives the tetrahedra where they ended.
+TEST(Insertion, RememberedTurnsEndWhereOthersDo) {
+    Varn_3D mesh;
+    HullTurns turns;
+    for (const Point3& p : shuffled(skewSegments(120), 1)) {
+        std::vector<Tet3*> tets;
+        outputOf([&] { mesh.insert(p), mesh.getTetrahedra(tets); });
+        if (mesh.getNumVertices() % 5 != 0) continue;  // meanwhile records are used again
+        for (Tet3* tet : tets)
+            for (int i = 0; i < 12; ++i) {
+                if (i / 3 == i % 4 || tet->getOppTet(i / 3) != nullptr) continue;
+                HullEdge expected{tet, i / 3, i % 4}, edge(expected);
+                expected.turnToNextHullFacet();
+                turns.turn(edge);
+                EXPECT_TRUE(edge.tet == expected.tet && edge.opp2 == expected.opp2);
+            }
     }
 }
 

@@ -173,10 +173,11 @@ struct View {
     std::vector<Tetrahedron> tets;
     std::vector<std::pair<const Point3*, const Tet3*>> vertices;
     std::vector<std::array<std::int32_t, 2>> duplicates;
-    bool b3D;
+    int dimension;
 
     explicit View(const Varn_3D& triangulation)
-        : duplicates(triangulation.getIndexedMesh().duplicates), b3D(triangulation.is3D()) {
+        : duplicates(triangulation.getIndexedMesh().duplicates),
+          dimension(triangulation.getDimension()) {
         std::vector<Point3*> points;
         triangulation.getVertices(points);
         for (const Point3* p : points) vertices.emplace_back(p, p->getOneTet());
@@ -197,7 +198,7 @@ struct View {
     }
     bool operator==(const View& other) const {
         return tets == other.tets && vertices == other.vertices && duplicates == other.duplicates &&
-               b3D == other.b3D;
+               dimension == other.dimension;
     }
 };
 

@@ -11,8 +11,8 @@
 
 #include "dt3Library/Varn_3D.h"
 #include "tests/support/CaptureOutput.h"
+#include "tests/support/Exact.h"
 #include "tests/support/Failures.h"
-#include "tests/support/LatticeExact.h"
 #include "tests/support/PointSets.h"
 
 // The answers of PointLocator against a look at everything, in exact arithmetic.
@@ -106,7 +106,7 @@ class Queries : public testing::TestWithParam<QueryInput> {
         Point3 corners[4];
         for (int k = 0; k < 4; ++k) corners[k] = *tet->getCorner(k);
         corners[i] = p;
-        return orientationOf(corners[0], corners[1], corners[2], corners[3]);
+        return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
     }
 
     /// The facets of a tetrahedron in whose planes the point lies; all, and one more, if the point
@@ -174,8 +174,8 @@ TEST_P(Queries, ConflictRegion) {
         const auto isAt = [&p](const Tet3* tet) { return tet->hasVertex(p); };
         if (std::none_of(tets.begin(), tets.end(), isAt)) {
             for (Tet3* tet : tets)
-                if (inSphereOf(*tet->getCorner(0), *tet->getCorner(1), *tet->getCorner(2),
-                               *tet->getCorner(3), p) > 0)
+                if (exactInSphere(*tet->getCorner(0), *tet->getCorner(1), *tet->getCorner(2),
+                                  *tet->getCorner(3), p) > 0)
                     expected.push_back(tet);
         }
         std::vector<Tet3*> region;

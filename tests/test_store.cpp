@@ -127,6 +127,9 @@ void growBoxes() {
     EXPECT_EQ(first.box(), enlarged({1, 1, 1}, {2, 3, 5}, 1.0));
 
     Store second;
+    const HC3::Mark mark = second.hc3.mark();
+    second.insert({{0, 0, 0}, {7, 7, 7}});
+    second.hc3.rewind(mark);  // with the margin, which is there for the next
     second.insert({{0, 0, 0}, {10, 20, 40}});
     const auto narrow = enlarged({0, 0, 0}, {10, 20, 40}, 0.1);
     EXPECT_EQ(second.box(), narrow);
@@ -237,6 +240,29 @@ TEST(Store, AStartTetrahedronIsFoundWhereverItIs) {
             EXPECT_EQ(store.hc3.insertOne(p).second, &tet);
         }
     }
+}
+
+// After a rewind within the box, beyond it, and of the first batch.
+TEST(Store, RewoundIsAsThoughNothingHadBeenStored) {
+    takeFirstMargin();
+    for (const double span : {0.5, 9.0})
+        for (const std::size_t numBatches : {0U, 1U, 2U}) {
+            const auto seen = [&](bool bRewound) {
+                Store store;
+                for (std::size_t i = 0; i < numBatches; ++i) store.insert(uniform(300, i));
+                const HC3::Mark mark = store.hc3.mark();
+                const Points taken = uniform(300, 7, -span, span);
+                if (bRewound) store.insert(taken), store.hc3.rewind(mark);
+                Points all;
+                for (const Points& points : {taken, uniform(200, 8)}) {
+                    store.insert(points);
+                    store.hc3.getVertices(store.added);
+                    for (const Point3* p : store.added) all.push_back(*p);
+                }
+                return all;
+            };
+            EXPECT_TRUE(seen(true) == seen(false)) << span << " " << numBatches;
+        }
 }
 
 TEST(Store, FailedChecks) {

@@ -7,7 +7,7 @@
 
 #include "dt3Library/base/MeshAccess.h"
 #include "tests/support/CaptureOutput.h"
-#include "tests/support/LatticeExact.h"
+#include "tests/support/Exact.h"
 #include "tests/support/MeshDigest.h"
 
 namespace support {
@@ -96,7 +96,7 @@ class Oracle {
         Point3 corners[4];
         for (int k = 0; k < 4; ++k) corners[k] = *t->getCorner(k);
         corners[i] = *p;
-        return orientationOf(corners[0], corners[1], corners[2], corners[3]);
+        return exactOrientation(corners[0], corners[1], corners[2], corners[3]);
     }
 
     void checkNeighbours() {
@@ -130,8 +130,8 @@ class Oracle {
     void checkSpheres() {
         for (const Tet3* t : tets)
             for (const Point3* v : vertices)
-                require(inSphereOf(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2),
-                                   *t->getCorner(3), *v) <= 0,
+                require(exactInSphere(*t->getCorner(0), *t->getCorner(1), *t->getCorner(2),
+                                      *t->getCorner(3), *v) <= 0,
                         "circumspheres are empty");
     }
 
@@ -192,7 +192,7 @@ bool areCoplanar(const std::vector<Point3>& points) {
     // Any two distinct points of a set that spans space belong to four that do.
     for (const Point3& c : points)
         for (const Point3& d : points)
-            if (orientationOf(points.front(), *second, c, d) != 0) return false;
+            if (exactOrientation(points.front(), *second, c, d) != 0) return false;
     return true;
 }
 

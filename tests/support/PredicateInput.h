@@ -126,10 +126,18 @@ inline const std::vector<PredicateInput>& predicateInputs() {
              FivePoints points = fromCoordinates([&] { return double(r.below(size)); });
              const VARN3D::Vector3 u = points[1] - points[0];
              const VARN3D::Vector3 v = points[2] - points[0];
-             const double i = r.below(4), j = r.below(4);
-             points[3].exchange(points[0].x() + i * u.x + j * v.x,
-                                points[0].y() + i * u.y + j * v.y,
-                                points[0].z() + i * u.z + j * v.z);
+             for (const std::size_t k : {3U, 4U}) {
+                 const double i = r.below(4), j = r.below(4);
+                 points[k].exchange(points[0].x() + i * u.x + j * v.x,
+                                    points[0].y() + i * u.y + j * v.y,
+                                    points[0].z() + i * u.z + j * v.z);
+             }
+             return points;
+         }},
+        {"nearlyCoplanar",
+         [](Random& r) {
+             FivePoints points = onSphere(r, 1.0, 1.0);
+             for (VARN3D::Point3& p : points) p.exchange(p.x(), p.y(), 0.3 - p.x() / 7 - p.y());
              return points;
          }},
         {"boxOfHalvesFarBelowZero",
