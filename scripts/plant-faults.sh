@@ -2,7 +2,7 @@
 # plant-faults.sh [OPTION...] [NAME...]: plants the faults of tests/faults.txt into a copy of the
 # tree, one at a time, builds what the tests need, and runs first the tests that a fault names, then,
 # if these pass, all others. Prints for each fault which test fails, or that it survives. Of no use
-# in every run of the tests: all faults take hours. NAME may hold * and ?. See --help for options,
+# in every run of the tests: all faults take an hour. NAME may hold * and ?. See --help for options,
 # tests/faults.txt for what the list looks like. Installs what is missing (Debian).
 set -eu
 
