@@ -13,6 +13,7 @@ namespace VARN3D {
 class VARN3D_EXPORT VarnException : public std::exception {
   public:
     /// For a failed check, with a text for `getReason`.
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): it is kept here, not thrown.
     explicit VarnException(const std::string& reason = {}) : theReason(reason) {}
 
     /// What failed, in one line without a line end: what was wrong with the input, where that can

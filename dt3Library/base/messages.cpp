@@ -14,7 +14,7 @@ std::atomic<std::ostream*> chosenStream{&std::cout};
 /// state; never destroyed, since static objects may print after a thread's own have gone.
 std::ostream& silence() {
     alignas(std::ostream) static thread_local unsigned char memory[sizeof(std::ostream)];
-    static thread_local std::ostream* const stream = new (memory) std::ostream(nullptr);
+    static thread_local auto* const stream = new (memory) std::ostream(nullptr);
     return *stream;
 }
 

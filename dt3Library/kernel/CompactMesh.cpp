@@ -11,8 +11,8 @@
 
 namespace VARN3D {
 
-static_assert(std::is_trivially_copyable<CompactTet>::value &&
-                  std::is_trivially_default_constructible<CompactTet>::value,
+static_assert(std::is_trivially_copyable<CompactTet>::value, "realloc moves tetrahedra");
+static_assert(std::is_trivially_default_constructible<CompactTet>::value,
               "memory from realloc holds tetrahedra without their construction");
 
 void CompactMesh::Free::operator()(void* memory) const {
