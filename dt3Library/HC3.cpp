@@ -114,7 +114,7 @@ void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
         const KeyedPosition* last = first + 1;
         while (last != end && keyOf(*last) == keyOf(*first)) ++last;
         // All points are stored, also where none of them is to be inserted any more.
-        static_cast<void>(progress.goesOn(0));
+        progress.look(0);
         // The curve's order has little to do with that of the points.
         constexpr std::ptrdiff_t AHEAD = 16;
         if (end - last > AHEAD) points.prefetch(positionOf(last[AHEAD]));

@@ -63,7 +63,7 @@ void BatchInsertion::listMeshVertices() {
 void BatchInsertion::listNewVertices(std::vector<Point3*>& vVertices) {
     InsertionOrder order(vVertices.size());
     for (std::size_t position; order.next(position);) {
-        static_cast<void>(progress.goesOn(0));
+        progress.look(0);
         if (vVertices[position]->getOneTet() == nullptr) points.push_back(vVertices[position]);
     }
     std::vector<Point3*>().swap(vVertices);
@@ -90,7 +90,7 @@ void BatchInsertion::setUpState() {
                                          frame.isCertifiable());
     CompactVertex* const vertices = state->mesh.vertices();
     for (std::size_t i = 1; i <= numVertices; ++i) {
-        static_cast<void>(progress.goesOn(0));
+        progress.look(0);
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
     }
     state->findLattice(numVertices);

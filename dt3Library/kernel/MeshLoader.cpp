@@ -21,7 +21,7 @@ void MeshLoader::load(const KernelSteps& steps, BatchProgress& progress) {
                 for (int i = 0; i < 4; ++i)
                     prefetchRecord(MeshAccess::neighbour(record + AHEAD, i));
             const Slot slot = mesh.take();
-            if (slot % 64 == 0) static_cast<void>(progress.goesOn(0));
+            if (slot % 64 == 0) progress.look(0);
             if (isFree[slot - 1])
                 mesh.tets()[slot] = {};
             else
@@ -31,7 +31,7 @@ void MeshLoader::load(const KernelSteps& steps, BatchProgress& progress) {
     addGhosts();
     constexpr std::size_t SLOTS_A_STEP = 4096;
     for (std::size_t first = 1; first < mesh.numSlots(); first += SLOTS_A_STEP) {
-        static_cast<void>(progress.goesOn(0));
+        progress.look(0);
         steps.makeSpheres(state, static_cast<Slot>(first),
                           std::min(SLOTS_A_STEP, mesh.numSlots() - first));
     }

@@ -73,8 +73,7 @@ void RecordWriter::writeAll() {
 /// One of very many. All vertices are in, so there is nothing left to stop but by an exception.
 inline void RecordWriter::writeNext(Slot slot, const Topology& tet) {
     constexpr Slot SLOTS_A_STEP = 1024;
-    if (slot % SLOTS_A_STEP == 0)
-        static_cast<void>(progress.goesOn(vertices.size() - firstNewVertex));
+    if (slot % SLOTS_A_STEP == 0) progress.look(vertices.size() - firstNewVertex);
     write(slot, tet);
 }
 

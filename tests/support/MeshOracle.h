@@ -12,9 +12,8 @@ namespace support {
 /// although there are tetrahedra. Returns what is wrong first; empty if nothing is.
 ///
 /// Checks: handles and coordinates; no tetrahedron exactly if all points are coplanar; positive
-/// tetrahedra in ascending order; mutual neighbours across every shared facet; a convex hull and a
-/// volume equal to that of the hull, computed from the points alone for up to 40 vertices; empty
-/// circumspheres against all vertices; the stars of all vertices; the library's own check.
+/// tetrahedra; mutual neighbours across every shared facet; a convex hull; empty circumspheres
+/// against all vertices; the stars of all vertices; the library's own check.
 /// O(vertices * tetrahedra) exact tests.
 std::string findMeshFault(VARN3D::Varn_3D& mesh, const std::vector<VARN3D::Point3>& points,
                           const std::vector<VARN3D::Point3*>& handles, std::size_t numPending = 0);
