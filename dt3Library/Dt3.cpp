@@ -98,7 +98,7 @@ void Dt3::insertLaterBatch(std::vector<Point3*>& vNew) {
     if (vNew.empty())
         printNothingToInsert();
     else if (BatchInsertion::pays(vNew.size(), store.getNumVertices() - vNew.size()))
-        insertAtOnce(vNew, startTetNear(*vNew.front()));
+        insertAtOnce(vNew, pRecentTet);
 }
 
 /// Makes the first tetrahedron, if there can be one, and inserts all vertices.

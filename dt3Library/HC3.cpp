@@ -17,17 +17,49 @@ namespace {
 /// The first batch of a process gets a narrower margin around its box than all that follow.
 std::atomic<bool> bFirstEnlargement{true};
 
+bool holds(const Bbox3& box, const Point3& p) {
+    return box.getMinX() <= p.x() && p.x() <= box.getMaxX() && box.getMinY() <= p.y() &&
+           p.y() <= box.getMaxY() && box.getMinZ() <= p.z() && p.z() <= box.getMaxZ();
+}
+
 /// Where so many vertices share a key, the keys leave them in no order worth following.
 constexpr std::ptrdiff_t MAX_UNORDERED = 8;
 
 /// Brings vertices that share a key into the order of a finer curve.
 void orderWithinCell(Point3** first, Point3** last) {
     if (last - first <= MAX_UNORDERED) return;
+    const std::vector<Point3*> unordered(first, last);
     std::vector<CurveEntry> entries;
-    entries.reserve(static_cast<std::size_t>(last - first));
-    for (Point3** vertex = first; vertex != last; ++vertex) entries.push_back({*vertex, 0});
+    entries.reserve(unordered.size());
+    for (Point3* const vertex : unordered)
+        entries.push_back(
+            {MeshAccess::coordinates(*vertex), static_cast<std::uint32_t>(entries.size())});
     sortAlongCurve(entries);
-    for (const CurveEntry& entry : entries) *first++ = entry.vertex;
+    for (const CurveEntry& entry : entries) *first++ = unordered[entry.number];
+}
+
+/// Places in a run of a point and of the earlier one that it equals.
+struct Duplicate {
+    std::uint32_t place;
+    std::uint32_t original;
+};
+
+/// Lists those entries that equal one of a lower number. The memory of `sorted` is used.
+void findDuplicates(const CurveEntry* first, const CurveEntry* last,
+                    std::vector<CurveEntry>& sorted, std::vector<Duplicate>& duplicates) {
+    if (last - first == 1) return;
+    sorted.assign(first, last);
+    std::sort(sorted.begin(), sorted.end(), [](const CurveEntry& a, const CurveEntry& b) {
+        for (int axis = 0; axis < 3; ++axis)
+            if (a.at[axis] < b.at[axis] || b.at[axis] < a.at[axis]) return a.at[axis] < b.at[axis];
+        return a.number < b.number;
+    });
+    const CurveEntry* original = &sorted.front();
+    for (const CurveEntry& entry : sorted)
+        if (!std::equal(entry.at, entry.at + 3, original->at))
+            original = &entry;
+        else if (&entry != original)
+            duplicates.push_back({entry.number, original->number});
 }
 
 }  // namespace
@@ -80,8 +112,9 @@ Point3* HC3::newVertex(const Point3& point, std::uint64_t place) {
     return MeshAccess::newVertex(slot, point, PointNumbers::numberAt(place));
 }
 
-VertexTable& HC3::getTable() {
-    if (!bTableValid || (bTableOutgrown && numVertices >= 2 * numWhenBuilt)) {
+VertexTable& HC3::getTable(std::size_t numComing) {
+    const bool bCoarse = numVertices >= 2 * numWhenBuilt || numComing >= numVertices / 4;
+    if (!bTableValid || (bTableOutgrown && bCoarse)) {
         bTableValid = false;  // if memory runs out half-way
         table.build(vertices, bbox);
         numWhenBuilt = numVertices;
@@ -104,11 +137,15 @@ void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
     vUserHandles.resize(points.size());
     vNew.reserve(points.size());
     firstPlace = numbers.count(points.size());
+    boxBefore = bbox;
+    pTableBefore = nullptr;
     if (growBox(points)) enlargeBox(bFirstEnlargement.exchange(false) ? 0.1 : 1.0);
 
     const std::vector<KeyedPosition> vHIndexIndexPair =
-        sortedByKey(points.size(), [&](std::size_t i) { return points[i]; });
+        sortedByKey(points.size(), [&](std::size_t i) { return points.coordinates(i); });
     const bool bFirst = numVertices == 0;
+    // To enter so many in the table costs more than to make it anew when it is needed again.
+    const bool bLarge = points.size() >= numVertices;
     const KeyedPosition* const end = vHIndexIndexPair.data() + vHIndexIndexPair.size();
     for (const KeyedPosition* first = vHIndexIndexPair.data(); first != end;) {
         const KeyedPosition* last = first + 1;
@@ -118,92 +155,87 @@ void HC3::insert(const InputPoints& points, std::vector<Point3*>& vUserHandles,
         // The curve's order has little to do with that of the points.
         constexpr std::ptrdiff_t AHEAD = 16;
         if (end - last > AHEAD) points.prefetch(positionOf(last[AHEAD]));
-        const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
-        if (bFirst)
+        if (!bLarge)
+            insertIntoTable(points, first, last, vUserHandles, vNew);
+        else if (last - first <= MAX_UNORDERED)
             insertRun(points, first, last, vUserHandles, vNew);
         else
-            insertLaterRun(points, first, last, vUserHandles, vNew);
-        orderWithinCell(vNew.data() + numBefore, vNew.data() + vNew.size());
+            insertCrowd(points, first, last, vUserHandles, vNew);
         first = last;
     }
     numbers.addDuplicates(firstPlace, vUserHandles, vNew.size());
     bPoolInCurveOrder = bFirst;
+    bTableValid = bTableValid && !bLarge;
 }
 
-/// Those points of a run that equal an earlier one of it, in the order of the run.
-std::vector<HC3::Duplicate> HC3::findDuplicates(const InputPoints& points,
-                                                const KeyedPosition* first,
-                                                const KeyedPosition* last) const {
-    struct Entry {
-        double x;  // decides nearly always, without a look at the points
-        std::size_t position;
-    };
-    std::vector<Entry> sorted;
-    sorted.reserve(static_cast<std::size_t>(last - first));
-    for (const KeyedPosition* keyed = first; keyed != last; ++keyed)
-        sorted.push_back({points[positionOf(*keyed)].x(), positionOf(*keyed)});
-    std::sort(sorted.begin(), sorted.end(), [&](const Entry& a, const Entry& b) {
-        if (a.x < b.x || b.x < a.x) return a.x < b.x;
-        const Point3 pa = points[a.position];
-        const Point3 pb = points[b.position];
-        return pa < pb || (!(pb < pa) && a.position < b.position);
-    });
-    // The first of each group of equals is the one that becomes a vertex.
-    std::vector<Duplicate> duplicates;
-    std::size_t original = sorted.front().position;
-    for (const Entry& entry : sorted) {
-        if (entry.position == original) continue;
-        if (points[entry.position] == points[original])
-            duplicates.push_back({entry.position, original});
-        else
-            original = entry.position;
-    }
-    std::sort(duplicates.begin(), duplicates.end(),
-              [](const Duplicate& a, const Duplicate& b) { return a.position < b.position; });
-    return duplicates;
+/// The vertex of an earlier insertion that has the point's coordinates, or null.
+Point3* HC3::findStoredBefore(const Point3& point) {
+    if (!holds(boxBefore, point)) return nullptr;
+    if (pTableBefore == nullptr) pTableBefore = &getTable();
+    return pTableBefore->vertexAt(pTableBefore->lowerBound(point), point);
 }
 
-/// Enters points that share a key: only among these can there be equal coordinates.
+/// The vertex of a point that equals no earlier one of the batch.
+Point3* HC3::enter(const Point3& point, std::size_t position, std::vector<Point3*>& vNew) {
+    if (Point3* const stored = findStoredBefore(point)) return stored;
+    vNew.push_back(newVertex(point, firstPlace + position));
+    return vNew.back();
+}
+
+/// Enters few points that share a key: only among these can there be equal coordinates.
 void HC3::insertRun(const InputPoints& points, const KeyedPosition* first,
                     const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
                     std::vector<Point3*>& vNew) {
-    const auto enter = [&](std::size_t position) {
-        vNew.push_back(newVertex(points[position], firstPlace + position));
-        vUserHandles[position] = vNew.back();
-    };
-    if (last - first == 1) {
-        enter(positionOf(*first));
-        return;
-    }
-    if (last - first <= MAX_UNORDERED) {
-        const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
-        for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
-            const Point3 point = points[positionOf(*keyed)];
-            const auto equal = std::find_if(vNew.begin() + numBefore, vNew.end(),
-                                            [&](const Point3* p) { return *p == point; });
-            if (equal == vNew.end())
-                enter(positionOf(*keyed));
-            else
-                vUserHandles[positionOf(*keyed)] = *equal;
-        }
-        return;
-    }
-    const std::vector<Duplicate> duplicates = findDuplicates(points, first, last);
-    auto duplicate = duplicates.begin();
+    const auto numBefore = static_cast<std::ptrdiff_t>(vNew.size());
     for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
         const std::size_t position = positionOf(*keyed);
-        if (duplicate != duplicates.end() && duplicate->position == position)
-            vUserHandles[position] = vUserHandles[(duplicate++)->original];
-        else
-            enter(position);
+        const Point3 point = points[position];
+        const auto equal = std::find_if(vNew.begin() + numBefore, vNew.end(),
+                                        [&](const Point3* p) { return *p == point; });
+        vUserHandles[position] = equal != vNew.end() ? *equal : enter(point, position, vNew);
     }
 }
 
-/// Enters points that share a key, some of which may be stored already.
-void HC3::insertLaterRun(const InputPoints& points, const KeyedPosition* first,
-                         const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
-                         std::vector<Point3*>& vNew) {
-    VertexTable& vertexTable = getTable();
+/// Enters many points that share a key. The finer curve that they are listed along brings equal
+/// ones together.
+void HC3::insertCrowd(const InputPoints& points, const KeyedPosition* first,
+                      const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                      std::vector<Point3*>& vNew) {
+    std::vector<CurveEntry> entries;
+    entries.reserve(static_cast<std::size_t>(last - first));
+    for (const KeyedPosition* keyed = first; keyed != last; ++keyed)
+        entries.push_back(
+            {points.coordinates(positionOf(*keyed)), static_cast<std::uint32_t>(keyed - first)});
+    std::vector<CurveEntry> sorted;
+    std::vector<Duplicate> duplicates;
+    sortAlongCurve(entries, [&](const CurveEntry* begin, const CurveEntry* end) {
+        findDuplicates(begin, end, sorted, duplicates);
+    });
+    std::sort(duplicates.begin(), duplicates.end(),
+              [](const Duplicate& a, const Duplicate& b) { return a.place < b.place; });
+    const std::size_t numBefore = vNew.size();
+    auto duplicate = duplicates.begin();
+    for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
+        const std::size_t position = positionOf(*keyed);
+        if (duplicate != duplicates.end() && first + duplicate->place == keyed)
+            vUserHandles[position] = vUserHandles[positionOf(first[(duplicate++)->original])];
+        else
+            vUserHandles[position] = enter(points[position], position, vNew);
+    }
+    if (vNew.size() - numBefore != entries.size()) {
+        orderWithinCell(vNew.data() + numBefore, vNew.data() + vNew.size());
+        return;
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        vNew[numBefore + i] = vUserHandles[positionOf(first[entries[i].number])];
+}
+
+/// Enters points that share a key in the table too, where those are found that are stored already.
+void HC3::insertIntoTable(const InputPoints& points, const KeyedPosition* first,
+                          const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                          std::vector<Point3*>& vNew) {
+    VertexTable& vertexTable = getTable(points.size());
+    const std::size_t numBefore = vNew.size();
     for (const KeyedPosition* keyed = first; keyed != last; ++keyed) {
         const std::size_t position = positionOf(*keyed);
         const Point3 point = points[position];
@@ -216,6 +248,7 @@ void HC3::insertLaterRun(const InputPoints& points, const KeyedPosition* first,
         }
         vUserHandles[position] = vertex;
     }
+    orderWithinCell(vNew.data() + numBefore, vNew.data() + vNew.size());
 }
 
 std::pair<Point3*, Tet3*> HC3::insertOne(const Point3& point, std::size_t entriesASide) {
@@ -277,8 +310,8 @@ void HC3::getVertices(std::vector<Point3*>& vVertices) const {
 
     const std::vector<Point3*> stored(vVertices.begin() + static_cast<std::ptrdiff_t>(begin),
                                       vVertices.end());
-    const std::vector<KeyedPosition> keyed =
-        sortedByKey(numVertices, [&](std::size_t i) -> const Point3& { return *stored[i]; });
+    const std::vector<KeyedPosition> keyed = sortedByKey(
+        numVertices, [&](std::size_t i) { return MeshAccess::coordinates(*stored[i]); });
     for (std::size_t i = 0; i < numVertices; ++i)
         vVertices[begin + i] = stored[positionOf(keyed[i])];
 }
@@ -289,7 +322,8 @@ void HC3::listForInsertion(std::vector<Point3*>& vVertices) const {
     const std::size_t n = vVertices.size();
     std::vector<KeyedPosition> keyed;
     grid.keyedPositions(
-        n, positionBits(), [&](std::size_t i) -> const Point3& { return *vVertices[i]; }, keyed);
+        n, positionBits(), [&](std::size_t i) { return MeshAccess::coordinates(*vVertices[i]); },
+        keyed);
     for (std::size_t first = 0; first < n;) {
         std::size_t last = first + 1;
         while (last < n && keyOf(keyed[last]) == keyOf(keyed[first])) ++last;

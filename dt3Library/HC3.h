@@ -88,36 +88,33 @@ class HC3 {
     /// compares keys first.
     using KeyedPosition = std::uint64_t;
 
-    /// Positions in a batch of a point and of the earlier one that it equals.
-    struct Duplicate {
-        std::size_t position;
-        std::size_t original;
-    };
-
     unsigned positionBits() const { return 64 - numBits; }
     std::size_t positionOf(KeyedPosition keyed) const {
         return static_cast<std::size_t>(keyed & ((std::uint64_t{1} << positionBits()) - 1));
     }
     std::uint64_t keyOf(KeyedPosition keyed) const { return keyed >> positionBits(); }
-    template <class PointAt>
-    std::vector<KeyedPosition> sortedByKey(std::size_t n, PointAt pointAt) const {
+    template <class CoordinatesAt>
+    std::vector<KeyedPosition> sortedByKey(std::size_t n, CoordinatesAt coordinatesAt) const {
         std::vector<KeyedPosition> keyed;
-        grid.keyedPositions(n, positionBits(), pointAt, keyed);
+        grid.keyedPositions(n, positionBits(), coordinatesAt, keyed);
         sortByBits(keyed, positionBits(), numBits);
         return keyed;
     }
 
     bool growBox(const InputPoints& points);
     void enlargeBox(double factor);
-    std::vector<Duplicate> findDuplicates(const InputPoints& points, const KeyedPosition* first,
-                                          const KeyedPosition* last) const;
     void insertRun(const InputPoints& points, const KeyedPosition* first, const KeyedPosition* last,
                    std::vector<Point3*>& vUserHandles, std::vector<Point3*>& vNew);
-    void insertLaterRun(const InputPoints& points, const KeyedPosition* first,
-                        const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
-                        std::vector<Point3*>& vNew);
+    void insertCrowd(const InputPoints& points, const KeyedPosition* first,
+                     const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                     std::vector<Point3*>& vNew);
+    void insertIntoTable(const InputPoints& points, const KeyedPosition* first,
+                         const KeyedPosition* last, std::vector<Point3*>& vUserHandles,
+                         std::vector<Point3*>& vNew);
+    Point3* enter(const Point3& point, std::size_t position, std::vector<Point3*>& vNew);
+    Point3* findStoredBefore(const Point3& point);
     Point3* newVertex(const Point3& point, std::uint64_t place);
-    VertexTable& getTable();
+    VertexTable& getTable(std::size_t numComing = 0);
     void enterInTable(VertexTable::Place place, Point3* vertex);
 
     Bbox3 bbox;
@@ -129,10 +126,14 @@ class HC3 {
     PointNumbers numbers;
     /// How many points came before those of the present batch.
     std::uint64_t firstPlace = 0;
+    /// The box before the present batch, and the table, once it has been asked.
+    Bbox3 boxBefore;
+    const VertexTable* pTableBefore = nullptr;
     VertexTable table;
     bool bTableValid = false;
     /// Whether the box has grown since the table was made. The table stays right, only its cells
-    /// become coarse, so it is made anew when it has twice as many vertices.
+    /// become coarse, so it is made anew when it has twice as many vertices, or gets a quarter more
+    /// at once.
     bool bTableOutgrown = false;
     std::size_t numWhenBuilt = 0;
     /// Whether the pool's order is the curve's: true after one batch, until anything is added.

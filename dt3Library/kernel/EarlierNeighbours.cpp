@@ -1,5 +1,6 @@
 #include "dt3Library/kernel/EarlierNeighbours.h"
 
+#include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/store/CurveSort.h"
 
 namespace VARN3D {
@@ -10,7 +11,7 @@ EarlierNeighbours::EarlierNeighbours(const std::vector<Point3*>& points, VertexN
     std::vector<CurveEntry> entries;
     entries.reserve(points.size());
     for (VertexNumber vertex = 1; vertex < numVertices; ++vertex)
-        entries.push_back({points[vertex], vertex});
+        entries.push_back({MeshAccess::coordinates(*points[vertex]), vertex});
     sortAlongCurve(entries);
     for (std::size_t i = 1; i < entries.size(); ++i) {
         predecessors[entries[i].number] = entries[i - 1].number;

@@ -20,28 +20,25 @@ constexpr std::size_t FEW = 8;
 HilbertGrid gridAround(const CurveEntry* first, const CurveEntry* last) {
     double low[3];
     double high[3];
-    first->vertex->xyz(low[0], low[1], low[2]);
-    first->vertex->xyz(high[0], high[1], high[2]);
+    std::copy(first->at, first->at + 3, low);
+    std::copy(first->at, first->at + 3, high);
     for (const CurveEntry* entry = first; entry != last; ++entry) {
-        double at[3];
-        entry->vertex->xyz(at[0], at[1], at[2]);
         for (int axis = 0; axis < 3; ++axis) {
-            low[axis] = at[axis] < low[axis] ? at[axis] : low[axis];
-            high[axis] = high[axis] < at[axis] ? at[axis] : high[axis];
+            low[axis] = std::min(low[axis], entry->at[axis]);
+            high[axis] = std::max(high[axis], entry->at[axis]);
         }
     }
     const double side = std::max({high[0] - low[0], high[1] - low[1], high[2] - low[2]});
     return HilbertGrid(low, {side, side, side}, LEVELS);
 }
 
-void sortRange(CurveEntry* first, CurveEntry* last) {
+void sortRange(CurveEntry* first, CurveEntry* last, const OnCell& onCell) {
     constexpr unsigned POSITION_BITS = 32;
     const auto n = static_cast<std::size_t>(last - first);
     std::vector<std::uint64_t> keyed;
     gridAround(first, last)
         .keyedPositions(
-            n, POSITION_BITS, [first](std::size_t i) -> const Point3& { return *first[i].vertex; },
-            keyed);
+            n, POSITION_BITS, [first](std::size_t i) { return first[i].at; }, keyed);
     sortByBits(keyed, POSITION_BITS, 3 * LEVELS);
     {
         const std::vector<CurveEntry> unsorted(first, last);
@@ -52,15 +49,18 @@ void sortRange(CurveEntry* first, CurveEntry* last) {
         std::size_t end = begin + 1;
         while (end < n && keyed[end] >> POSITION_BITS == keyed[begin] >> POSITION_BITS) ++end;
         // A grid that separates nothing is the last one.
-        if (end - begin > FEW && end - begin < n) sortRange(first + begin, first + end);
+        if (end - begin > FEW && end - begin < n)
+            sortRange(first + begin, first + end, onCell);
+        else if (onCell)
+            onCell(first + begin, first + end);
         begin = end;
     }
 }
 
 }  // namespace
 
-void sortAlongCurve(std::vector<CurveEntry>& entries) {
-    if (!entries.empty()) sortRange(entries.data(), entries.data() + entries.size());
+void sortAlongCurve(std::vector<CurveEntry>& entries, const OnCell& onCell) {
+    if (!entries.empty()) sortRange(entries.data(), entries.data() + entries.size(), onCell);
 }
 
 }  // namespace VARN3D

@@ -24,19 +24,17 @@ class HilbertGrid {
     void keysOf(const double (&at)[3][4], std::uint32_t (&keys)[4]) const;
 
     /// Fills `keyed` with the keys of n points, each above the point's position in the lower
-    /// `positionBits` bits. `pointAt(i)` gives point i.
-    template <class PointAt>
-    void keyedPositions(std::size_t n, unsigned positionBits, PointAt pointAt,
+    /// `positionBits` bits. `coordinatesAt(i)` tells where x, y and z of point i are.
+    template <class CoordinatesAt>
+    void keyedPositions(std::size_t n, unsigned positionBits, CoordinatesAt coordinatesAt,
                         std::vector<std::uint64_t>& keyed) const {
         keyed.resize(n);
         for (std::size_t i = 0; i < n; i += 4) {
             const std::size_t last = n - 1;
             double at[3][4];
             for (std::size_t k = 0; k < 4; ++k) {
-                const Point3& point = pointAt(i + k < n ? i + k : last);
-                at[0][k] = point.x();
-                at[1][k] = point.y();
-                at[2][k] = point.z();
+                const double* const point = coordinatesAt(i + k < n ? i + k : last);
+                for (int axis = 0; axis < 3; ++axis) at[axis][k] = point[axis];
             }
             std::uint32_t keys[4];
             keysOf(at, keys);

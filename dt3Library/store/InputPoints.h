@@ -25,15 +25,15 @@ class InputPoints {
         const double* const at = coordinates(i);
         return Point3(at[0], at[1], at[2]);
     }
+    /// Where x, y and z of a point are.
+    const double* coordinates(std::size_t i) const {
+        return reinterpret_cast<const double*>(bytes + i * stride);
+    }
     void prefetch(std::size_t i) const { prefetchBytes(coordinates(i), 3 * sizeof(double)); }
 
   private:
     InputPoints(const double* first, std::size_t n, std::size_t numBytes)
         : bytes(reinterpret_cast<const char*>(first)), stride(numBytes), numPoints(n) {}
-
-    const double* coordinates(std::size_t i) const {
-        return reinterpret_cast<const double*>(bytes + i * stride);
-    }
 
     const char* bytes;
     /// From a point to the next, in bytes: 32-bit platforms align doubles to four of them.
