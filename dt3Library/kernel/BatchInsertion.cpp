@@ -2,6 +2,7 @@
 
 #include "dt3Library/base/MeshAccess.h"
 #include "dt3Library/base/Profile.h"
+#include "dt3Library/base/prefetch.h"
 #include "dt3Library/engine/InsertionOrder.h"
 #include "dt3Library/kernel/EarlierNeighbours.h"
 #include "dt3Library/kernel/MeshLoader.h"
@@ -52,6 +53,7 @@ void BatchInsertion::listMeshVertices() {
     numberInStore.assign(storeIndex.size(), AT_INFINITY);
     for (std::size_t place = 0; place < storeIndex.size(); ++place) {
         Point3* const vertex = storeIndex.at(place);
+        box.add(*vertex);
         if (vertex->getOneTet() == nullptr) continue;
         numberInStore[place] = static_cast<VertexNumber>(points.size());
         points.push_back(vertex);
@@ -59,20 +61,28 @@ void BatchInsertion::listMeshVertices() {
     firstNew = static_cast<VertexNumber>(points.size());
 }
 
+/// Where many vertices share a key, their order has little to do with that of the store.
+void BatchInsertion::prefetchAhead(std::size_t i) const {
+    constexpr std::size_t AHEAD = 16;
+    if (i + AHEAD < points.size()) prefetchRecord(points[i + AHEAD]);
+}
+
 /// Takes the list's memory away.
 void BatchInsertion::listNewVertices(std::vector<Point3*>& vVertices) {
     InsertionOrder order(vVertices.size());
-    for (std::size_t position; order.next(position);) {
-        progress.look(0);
-        if (vVertices[position]->getOneTet() == nullptr) points.push_back(vVertices[position]);
-    }
+    for (std::size_t position; order.next(position);) points.push_back(vVertices[position]);
     std::vector<Point3*>().swap(vVertices);
+    std::size_t last = firstNew;
+    for (std::size_t i = firstNew; i < points.size(); ++i) {
+        progress.look(0);
+        prefetchAhead(i);
+        if (points[i]->getOneTet() == nullptr) points[last++] = points[i];
+    }
+    points.resize(last);
 }
 
 /// The frame of all vertices, such that no coordinate is rounded.
 ExactFrame BatchInsertion::frameOfAll() const {
-    Bbox3 box;
-    for (std::size_t i = 1; i < points.size(); ++i) box.add(*points[i]);
     const ExactFrame frame({box.getMinX(), box.getMinY(), box.getMinZ()},
                            {box.getMaxX(), box.getMaxY(), box.getMaxZ()});
     if (!frame.mayLoseBits()) return frame;
@@ -91,6 +101,7 @@ void BatchInsertion::setUpState() {
     CompactVertex* const vertices = state->mesh.vertices();
     for (std::size_t i = 1; i <= numVertices; ++i) {
         progress.look(0);
+        prefetchAhead(i);
         frame.apply({points[i]->x(), points[i]->y(), points[i]->z()}, vertices[i].at);
     }
     state->findLattice(numVertices);

@@ -43,6 +43,7 @@ class BatchInsertion {
   private:
     void listMeshVertices();
     void listNewVertices(std::vector<Point3*>& vVertices);
+    void prefetchAhead(std::size_t i) const;
     ExactFrame frameOfAll() const;
     void setUpState();
     bool goesOnAt(VertexNumber vertex);
@@ -60,6 +61,8 @@ class BatchInsertion {
     /// insertion.
     std::vector<Point3*> points;
     VertexNumber firstNew = 0;
+    /// Of all vertices of the store.
+    Bbox3 box;
     /// The numbers of the mesh's vertices by their places in the store.
     std::vector<VertexNumber> numberInStore;
     std::unique_ptr<BatchState> state;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "dt3Library/base/MeshAccess.h"
+#include "dt3Library/base/prefetch.h"
 
 namespace VARN3D {
 
@@ -61,13 +62,27 @@ void RecordWriter::writeAll() {
                                Topology(compact + 3)};
     constexpr Slot NUM_FIRST = 4;
     if constexpr (sizeof(Tet3) >= sizeof(CompactTet)) {
-        for (Slot slot = numSlots; slot-- > NUM_FIRST;) writeNext(slot, Topology(compact + slot));
+        for (Slot slot = numSlots; slot-- > NUM_FIRST;) {
+            prefetchBefore(slot);
+            writeNext(slot, Topology(compact + slot));
+        }
         for (Slot slot = NUM_FIRST; slot-- > 0;) write(slot, first[slot]);
     } else {
         for (Slot slot = 0; slot < NUM_FIRST; ++slot) write(slot, first[slot]);
         for (Slot slot = NUM_FIRST; slot < numSlots; ++slot)
             writeNext(slot, Topology(compact + slot));
     }
+}
+
+/// Fetches the vertices of tetrahedra to be written soon: first where they are, then themselves.
+inline void RecordWriter::prefetchBefore(Slot slot) const {
+    constexpr Slot AHEAD = 12;
+    if (slot < 2 * AHEAD) return;
+    const CompactTet* const compact = state.mesh.tets();
+    for (const VertexNumber v : Topology(compact + (slot - 2 * AHEAD)).vertex)
+        prefetchLine(vertices.data() + v);
+    for (const VertexNumber v : Topology(compact + (slot - AHEAD)).vertex)
+        prefetchLine(vertices[v]);
 }
 
 /// One of very many. All vertices are in, so there is nothing left to stop but by an exception.

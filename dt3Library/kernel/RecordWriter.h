@@ -41,6 +41,7 @@ class RecordWriter {
         explicit Topology(const CompactTet* tet);
     };
 
+    void prefetchBefore(Slot slot) const;
     void writeNext(Slot slot, const Topology& tet);
     void write(Slot slot, const Topology& tet);
     void writeFree(Slot slot, const Topology& tet);
