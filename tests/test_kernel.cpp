@@ -86,48 +86,6 @@ TEST(Kernel, MoreThanCanBeAddressedIsOutOfMemory) {
     EXPECT_THROW(CompactMesh(1, 1).reserve(TOO_MANY), std::bad_alloc);
 }
 
-/// The compact mesh of vertices inserted one by one, where numbers given to the vertices of
-/// cavities begin with this one.
-std::vector<VertexNumber> meshNumberedFrom(std::uint32_t firstNumber, const Points& points) {
-    const GeomTest3 predicates;
-    HC3 store;
-    Handles handles, added;
-    BatchProgress progress;
-    store.insert(points, handles, added, progress);
-    TetRecycler tets;
-    Cavity(predicates, tets).createTet(handles[0], handles[1], handles[2], handles[3]);
-    const PoolIndex<Tet3> records(tets.getPool());
-    const PoolIndex<Point3> places(store.getPool());
-    std::vector<VertexNumber> numbers(points.size());
-    const auto n = static_cast<VertexNumber>(points.size());
-    BatchState state(predicates, n, 30, true);
-    for (VertexNumber v = 1; v <= n; ++v) {
-        numbers[places.indexOf(handles[v - 1])] = v;
-        auto& at = state.mesh.vertices()[v].at;
-        handles[v - 1]->xyz(at[0], at[1], at[2]);
-    }
-    MeshLoader(tets, records, places, numbers, state).load(portableSteps(), progress);
-    state.firstNumber = firstNumber;
-    Slot start = 1;
-    for (VertexNumber v = 5; v <= n; ++v) start = portableSteps().insertVertex(state, v, start);
-    EXPECT_LT(state.firstNumber, 1U << 31);
-    std::vector<VertexNumber> mesh;
-    for (Slot slot = 1; slot < state.mesh.numSlots(); ++slot) {
-        const CompactTet& tet = state.mesh.tets()[slot];
-        if (tet.isEmpty()) continue;
-        mesh.insert(mesh.end(), tet.vertex, tet.vertex + 4);
-        mesh.insert(mesh.end(), tet.link, tet.link + 4);
-    }
-    return mesh;
-}
-
-TEST(Kernel, NumbersOfCavityVerticesBeginAnew) {
-    const Points points = Points{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}} + uniform(300, 1);
-    const auto expected = meshNumberedFrom(1, points);
-    for (const std::uint32_t before : {305U, 306U, 320U, 1000U, 3000U})
-        EXPECT_TRUE(meshNumberedFrom(0U - before, points) == expected) << before;
-}
-
 /// Damages a tetrahedron of the mesh in one of several ways; a link may come to lead to `stray`.
 void damage(const std::vector<Tet3*>& tets, Random& random, Tet3* stray) {
     const auto anyTet = [&] {

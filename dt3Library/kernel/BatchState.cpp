@@ -68,11 +68,6 @@ void BatchState::listIncident() {
             incident[corner] = static_cast<Slot>(slot);
 }
 
-void BatchState::restartNumbers() {
-    for (std::size_t i = 0; i < mesh.numVertices(); ++i) mesh.vertices()[i].cavityNumber = 0;
-    firstNumber = 1;
-}
-
 void BatchState::failOpenCavity(std::size_t numUnpaired) {
     if (numUnpaired == 0) return;
     messageStream() << "numStoredTCS after insertVertex: " << numUnpaired << std::endl;
@@ -86,6 +81,7 @@ void BatchState::growRegionLists(std::size_t numSlots, std::size_t numFacets) {
         inner.resize(2 * numFacets);
         corners.resize(2 * numFacets);
         facets.resize(2 * numFacets);
+        numbers.resize(6 * numFacets);
     }
 }
 

@@ -14,6 +14,8 @@ namespace VARN3D {
 /// Corners 1, 2, 3 of a tetrahedron to be made; corner 0 is the new vertex.
 struct alignas(16) NewCorners {
     VertexNumber vertex[3];
+    /// What a tetrahedron holds after them.
+    std::uint32_t noMark;
 };
 
 /// What a batch insertion works on: the compact mesh, and lists of the present insertion that are
@@ -42,15 +44,9 @@ struct BatchState {
     std::vector<NewCorners> corners;
     /// The vertices of the cavity are numbered from 0; these are the numbers of corners 1, 2, 3.
     std::vector<CavityFacet> facets;
+    /// The number of the vertex that is listed first at a place.
+    std::vector<std::uint32_t> numbers;
     EdgeTable edges;
-
-    /// What the numbers begin with that the present insertion gives to the cavity's vertices.
-    std::uint32_t firstNumber = 1;
-
-    /// Makes room for the numbers of one more insertion.
-    void startNumbering() {
-        if (firstNumber > 0xFFFFFFFFU - mesh.numVertices()) restartNumbers();
-    }
 
     /// How many finite tetrahedra have been made.
     std::uint32_t numMade = 0;
@@ -73,8 +69,6 @@ struct BatchState {
     static void failOpenCavity(std::size_t numUnpaired);
 
   private:
-    void restartNumbers();
-
     struct Free {
         void operator()(std::uint32_t* memory) const;
     };

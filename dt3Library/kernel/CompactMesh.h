@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "dt3Library/Tet3.h"
+#include "dt3Library/base/bits.h"
 #include "dt3Library/base/facets.h"
 #include "dt3Library/geom_tools/SimplePool.h"
 
@@ -36,9 +37,9 @@ struct alignas(32) CompactVertex {
     double at[3];
     /// How many finite tetrahedra had been made when this vertex was inserted.
     std::uint32_t firstLabel;
-    /// Its number in the cavity that last had it, plus the `firstNumber` of then. What earlier
-    /// insertions gave is below the present one.
-    std::uint32_t cavityNumber;
+    /// Where it is first among the corners of the facets of a cavity's boundary, as 3 * facet +
+    /// corner: of the last cavity that had it.
+    std::uint32_t firstListed;
 };
 
 /// A tetrahedron in one cache line: whoever asks whether a point lies in its circumsphere reads
@@ -60,9 +61,8 @@ struct alignas(64) CompactTet {
 
     /// The corner at infinity, 4 if there is none.
     unsigned cornerAtInfinity() const {
-        unsigned corner = 0;
-        while (corner < 4 && vertex[corner] != AT_INFINITY) ++corner;
-        return corner;
+        const auto bit = [this](unsigned i) { return vertex[i] == AT_INFINITY ? 1U << i : 0U; };
+        return lowestBit(bit(0) | bit(1) | bit(2) | bit(3) | 1U << 4);
     }
     bool isEmpty() const { return (vertex[0] | vertex[1] | vertex[2] | vertex[3]) == AT_INFINITY; }
 };

@@ -1,5 +1,6 @@
 // No include guard: compiled once for each kind of processor, inside a namespace that holds the
-// lanes for it. See stepsPortable.h and stepsAvx2.h.
+// lanes for it. See stepsPortable.h and stepsAvx2.h. The passes over an insertion's lists are kept
+// from being inlined: in one function they would not all find registers.
 
 /// How many tetrahedra of the region are visited in one step.
 inline constexpr unsigned WIDTH = 4;
@@ -88,16 +89,14 @@ inline CertainSigns certainSigns(Lanes determinant, Lanes bound, Lanes permanent
 inline CertainSigns testHullFacets(const BatchState& state, const Slot* slots,
                                    const LanePositions& p) {
     const CompactTet* const tets = state.mesh.tets();
+    NewCorners facet[4];
+    for (unsigned i = 0; i < 4; ++i)
+        listFacetCorners(tets[slots[i]], tets[slots[i]].cornerAtInfinity() & 3U, facet[i]);
     LanePositions row[3];
-    for (unsigned k = 0; k < 3; ++k) {
-        VertexNumber corner[4];
-        for (unsigned i = 0; i < 4; ++i) {
-            const CompactTet& ghost = tets[slots[i]];
-            corner[i] = ghost.vertex[INNER_FACET[ghost.cornerAtInfinity() & 3U][k]];
-        }
-        row[k] =
-            gatherVertices(state.mesh.vertices(), corner[0], corner[1], corner[2], corner[3]) - p;
-    }
+    for (unsigned k = 0; k < 3; ++k)
+        row[k] = gatherVertices(state.mesh.vertices(), facet[0].vertex[k], facet[1].vertex[k],
+                                facet[2].vertex[k], facet[3].vertex[k]) -
+                 p;
     const auto& [a, b, c] = row;
     const Lanes bc = b.x * c.y, cb = c.x * b.y;
     const Lanes ca = c.x * a.y, ac = a.x * c.y;
@@ -159,12 +158,14 @@ struct OpenLooks {
 
     /// The slot that decides, and which look it is. There is room for a last group of four.
     Slot slot[MAX_LOOKS + 3];
-    unsigned look[MAX_LOOKS];
+    unsigned look[MAX_LOOKS + 1];
     unsigned count = 0;
 
-    void add(Slot s, unsigned l) {
+    /// Adds one or none.
+    void add(Slot s, unsigned l, unsigned number = 1) {
         slot[count] = s;
-        look[count++] = l;
+        look[count] = l;
+        count += number;
     }
     void fillLastGroup() {
         for (unsigned i = 0; i < 3; ++i) slot[count + i] = CompactMesh::DUMMY;
@@ -231,48 +232,50 @@ inline unsigned decideFinite(BatchState& state, VertexNumber vertex, const LaneP
         const CertainSigns signs = testDeterminants(state, finite.slot + first, p);
         for (unsigned i = 0; i < 4 && first + i < finite.count; ++i) {
             const Slot slot = finite.slot[first + i];
-            if ((outcomes[slot] ^ unknown) >= 2) {
-                unsigned outcome = signs.negative >> i & 1U;
-                if (((signs.negative | signs.positive | signs.zero) >> i & 1U) == 0)
-                    outcome = state.exact.isInSphere(slot, vertex) ? 1U : 0U;
-                outcomes[slot] = unknown | outcome;
-            }
+            if (((signs.negative | signs.positive | signs.zero) >> i & 1U) != 0)
+                outcomes[slot] = unknown | (signs.negative >> i & 1U);
+            else if ((outcomes[slot] ^ unknown) >= 2)
+                outcomes[slot] = unknown | (state.exact.isInSphere(slot, vertex) ? 1U : 0U);
             conflicts |= (outcomes[slot] & 1U) << finite.look[first + i];
         }
     }
     return conflicts;
 }
 
-/// Decides the looks that the cached spheres left open, given by their facet codes: by what was
-/// found in this insertion already, then by determinants of four tetrahedra at once, the rest
-/// exactly. Returns the bits of those in conflict.
-inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex, const LanePositions& p,
-                                const FacetCode* links, unsigned open) {
+/// Decides the looks at a step's neighbours that the cached spheres left open: by what was found in
+/// this insertion already, then by determinants of four tetrahedra at once, the rest exactly.
+/// Returns the bits of those in conflict.
+[[gnu::noinline]] inline unsigned decideOpenLooks(BatchState& state, VertexNumber vertex,
+                                                  const LanePositions& p, const Slot* present,
+                                                  unsigned open) {
     std::uint32_t* const outcomes = state.rememberedOutcomes();
     const CompactTet* const tets = state.mesh.tets();
     const std::uint32_t unknown = 2 * vertex;
+    const auto slotLookedAt = [tets, present](unsigned look) {
+        return slotOf(tets[present[look / 4]].link[look % 4]);
+    };
     OpenLooks ghosts;
     OpenLooks finite;
     unsigned conflicts = 0;
     unsigned looksAtGhosts = 0;
     VARN3D_COUNT(openLooks, bitCount(open));
+    // Which of the three it is can't be predicted either.
     for (; open != 0; open &= open - 1) {
         const unsigned look = lowestBit(open);
-        const Slot slot = slotOf(links[look]);
-        if ((outcomes[slot] ^ unknown) < 2) {
-            conflicts |= (outcomes[slot] & 1U) << look;
-        } else if (tets[slot].cornerAtInfinity() < 4) {
-            ghosts.add(slot, look);
-            looksAtGhosts |= 1U << look;
-        } else {
-            finite.add(slot, look);
-        }
+        const Slot slot = slotLookedAt(look);
+        const std::uint32_t outcome = outcomes[slot] ^ unknown;
+        const unsigned bUnknown = outcome < 2 ? 0 : 1;
+        const unsigned bGhost = tets[slot].cornerAtInfinity() < 4 ? 1 : 0;
+        conflicts |= (outcome & 1U & ~bUnknown) << look;
+        ghosts.add(slot, look, bUnknown & bGhost);
+        finite.add(slot, look, bUnknown & ~bGhost);
+        looksAtGhosts |= (bUnknown & bGhost) << look;
     }
     conflicts |= decideGhosts(state, vertex, p, ghosts, finite);
     conflicts |= decideFinite(state, vertex, p, finite);
     for (unsigned rest = looksAtGhosts; rest != 0; rest &= rest - 1) {
         const unsigned look = lowestBit(rest);
-        const Slot slot = slotOf(links[look]);
+        const Slot slot = slotLookedAt(look);
         if ((outcomes[slot] ^ unknown) < 2) continue;
         outcomes[slot] = unknown | (conflicts >> look & 1U);
         state.numGhosts -= conflicts >> look & 1U;
@@ -318,7 +321,7 @@ struct RegionSize {
 /// branch depends on an outcome, for none can be predicted: candidates are always written, and the
 /// ends of the lists advance by the outcomes. The mark only keeps a tetrahedron from being listed
 /// twice.
-inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start) {
+[[gnu::noinline]] inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start) {
     const LanePositions p = positionOf(state.mesh.vertices()[vertex].at);
     CompactTet* const tets = state.mesh.tets();
     std::uint32_t numDoomed = 1;
@@ -329,6 +332,8 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         state.rememberedOutcomes()[start] = 2 * vertex + 1;
     }
     Slot* region = state.region.data();
+    FacetCode* outer = state.outer.data();
+    FacetCode* inner = state.inner.data();
     for (unsigned i = 0; i < WIDTH; ++i) region[i] = i == 0 ? start : CompactMesh::DUMMY;
     std::uint32_t numPresent;
     for (std::uint32_t next = 0; next < numDoomed; next += numPresent) {
@@ -337,6 +342,8 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
             numFacets + 5 * WIDTH > state.outer.size()) {
             state.growRegionLists(numDoomed + 6 * WIDTH, numFacets + 5 * WIDTH);
             region = state.region.data();
+            outer = state.outer.data();
+            inner = state.inner.data();
         }
         const Slot present[WIDTH] = {region[next], region[next + 1], region[next + 2],
                                      region[next + 3]};
@@ -345,10 +352,8 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
         inside &= valid;
         outside &= valid;
         if ((inside | outside) != valid) {
-            FacetCode links[4 * WIDTH];
-            for (unsigned i = 0; i < 4 * WIDTH; ++i) links[i] = tets[present[i / 4]].link[i % 4];
             const unsigned open = valid & ~(inside | outside);
-            inside |= decideOpenLooks(state, vertex, p, links, open);
+            inside |= decideOpenLooks(state, vertex, p, region + next, open);
             outside = valid & ~inside;
         }
         const unsigned found = inside & ~seen;
@@ -357,8 +362,7 @@ inline RegionSize growRegion(BatchState& state, VertexNumber vertex, Slot start)
             const unsigned newHere = found >> 4 * i & 15U;
             const unsigned boundaryHere = outside >> 4 * i & 15U;
             facets.appendNeighbours(newHere, region + numDoomed);
-            facets.appendBoundary(boundaryHere, state.outer.data() + numFacets,
-                                  state.inner.data() + numFacets);
+            facets.appendBoundary(boundaryHere, outer + numFacets, inner + numFacets);
             numDoomed += bitCount(newHere);
             numFacets += bitCount(boundaryHere);
         }
@@ -404,40 +408,50 @@ inline double reachOf(const BatchState& state, const CompactVertex& vertex) {
     return std::fmax(largest, ProvedCertificate::LEAST_REACH);
 }
 
-/// Lists the corners of the tetrahedra to be made, numbers the cavity's vertices, and enters the
-/// edges of its boundary. Returns whether any of them are ghosts.
-inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
+/// Lists the corners of the tetrahedra to be made, and for each vertex where it is listed first.
+/// Returns whether any of them are ghosts.
+///
+/// The vertices are written from the last to the first and read only afterwards: to ask at each
+/// corner whether its vertex has come before would be to wait, again and again, for a value that
+/// has just been written.
+[[gnu::noinline]] inline bool listCorners(BatchState& state, std::uint32_t numFacets) {
+    constexpr std::uint32_t NOWHERE = 0xFFFFFFFFU;
     const CompactTet* const tets = state.mesh.tets();
     CompactVertex* const vertices = state.mesh.vertices();
     const FacetCode* const inner = state.inner.data();
-    const Slot* const slots = state.region.data();
     NewCorners* const corners = state.corners.data();
+    vertices[AT_INFINITY].firstListed = NOWHERE;
+    for (std::uint32_t i = numFacets; i-- > 0;) {
+        listFacetCorners(tets[slotOf(inner[i])], facetOf(inner[i]), corners[i]);
+        for (unsigned k = 0; k < 3; ++k) vertices[corners[i].vertex[k]].firstListed = 3 * i + k;
+    }
+    return vertices[AT_INFINITY].firstListed != NOWHERE;
+}
+
+/// Numbers the cavity's vertices in the order in which they are listed, and enters the edges of its
+/// boundary.
+[[gnu::noinline]] inline void numberCorners(BatchState& state, std::uint32_t numFacets) {
+    const CompactVertex* const vertices = state.mesh.vertices();
+    const Slot* const slots = state.region.data();
+    const NewCorners* const corners = state.corners.data();
     CavityFacet* const facets = state.facets.data();
-    const std::uint32_t firstNumber = state.firstNumber;
+    std::uint32_t* const numbers = state.numbers.data();
     // A closed surface of triangles has half as many vertices as triangles, and two.
     const std::uint32_t numExpected = numFacets / 2 + 2;
     EdgeTable::Square edges = state.edges.square(numExpected);
-    std::uint32_t nextNumber = firstNumber;
+    std::uint32_t numVertices = 0;
     for (std::uint32_t i = 0; i < numFacets; ++i) {
-        const CompactTet& tet = tets[slotOf(inner[i])];
-        const std::uint8_t* const facet = INNER_FACET[facetOf(inner[i])];
-        std::uint32_t number[3];
+        CavityFacet facet;
         for (unsigned k = 0; k < 3; ++k) {
-            const VertexNumber corner = tet.vertex[facet[k]];
-            corners[i].vertex[k] = corner;
-            const std::uint32_t known = vertices[corner].cavityNumber;
-            const bool bNew = known < firstNumber;
-            const std::uint32_t given = bNew ? nextNumber : known;
-            vertices[corner].cavityNumber = given;
-            nextNumber += bNew ? 1U : 0U;
-            number[k] = given - firstNumber;
+            const std::uint32_t first = vertices[corners[i].vertex[k]].firstListed;
+            numbers[3 * i + k] = numVertices;
+            numVertices += first == 3 * i + k ? 1U : 0U;
+            facet.number[k] = numbers[first];
         }
-        facets[i] = {{number[0], number[1], number[2]}};
-        if (edges.fits()) edges.enter(facets[i], slots[i]);
+        facets[i] = facet;
+        if (edges.fits()) edges.enter(facet, slots[i]);
     }
-    if (nextNumber - firstNumber != numExpected) state.failOpenCavity(1);
-    state.firstNumber = nextNumber;
-    return vertices[AT_INFINITY].cavityNumber >= firstNumber;
+    if (numVertices != numExpected) state.failOpenCavity(1);
 }
 
 inline std::uint32_t countGhosts(const BatchState& state, std::uint32_t numFacets) {
@@ -450,8 +464,8 @@ inline std::uint32_t countGhosts(const BatchState& state, std::uint32_t numFacet
 
 /// Makes the spheres of the new tetrahedra, four at a time. Returns which of them has the least
 /// power to the next vertex to come: where its walk starts.
-inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
-                                    std::uint32_t numFacets) {
+[[gnu::noinline]] inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
+                                                      std::uint32_t numFacets) {
     CompactTet* const tets = state.mesh.tets();
     const CompactVertex* const vertices = state.mesh.vertices();
     const NewCorners* const corners = state.corners.data();
@@ -475,7 +489,7 @@ inline std::uint32_t makeNewSpheres(BatchState& state, VertexNumber vertex,
 }
 
 /// Gives the new tetrahedra their corners and links.
-inline void linkTets(BatchState& state, std::uint32_t numFacets) {
+[[gnu::noinline]] inline void linkTets(BatchState& state, std::uint32_t numFacets) {
     CompactTet* const tets = state.mesh.tets();
     const CavityFacet* const facets = state.facets.data();
     const NewCorners* const corners = state.corners.data();
@@ -484,8 +498,7 @@ inline void linkTets(BatchState& state, std::uint32_t numFacets) {
     const EdgeTable::Square edges = state.edges.square(numFacets / 2 + 2);
     for (std::uint32_t i = 0; i < numFacets; ++i) {
         CompactTet& tet = tets[slots[i]];
-        for (unsigned k = 0; k < 3; ++k) tet.vertex[k + 1] = corners[i].vertex[k];
-        tet.mark = 0;
+        setCorners(tet, corners[i]);
         tet.link[0] = outer[i];
         if (edges.fits()) edges.link(facets[i], tet);
         tets[slotOf(outer[i])].link[facetOf(outer[i])] = facetCode(slots[i], 0);
@@ -505,6 +518,7 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
     const bool bAtHull = listCorners(state, numFacets);
     const std::uint32_t numGhosts = bAtHull ? countGhosts(state, numFacets) : 0;
     for (std::uint32_t i = numFacets; i < size.numDoomed; ++i) state.mesh.release(slots[i]);
+    numberCorners(state, numFacets);
     // The last lanes may be no tetrahedra.
     for (std::uint32_t i = numFacets; i < numFacets + 3; ++i) {
         slots[i] = CompactMesh::DUMMY;
@@ -526,7 +540,6 @@ inline Slot fillRegion(BatchState& state, VertexNumber vertex, const RegionSize&
 }
 
 inline Slot insertVertex(BatchState& state, VertexNumber vertex, Slot start) {
-    state.startNumbering();
     const Slot inConflict = walk(state, vertex, start);
     return fillRegion(state, vertex, growRegion(state, vertex, inConflict));
 }

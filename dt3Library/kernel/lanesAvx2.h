@@ -66,11 +66,8 @@ inline Look lookAt(const CompactTet* a, const CompactTet* b, const CompactTet* c
 /// Which of four tetrahedra have this mark.
 inline unsigned markedOf(const CompactTet* a, const CompactTet* b, const CompactTet* c,
                          const CompactTet* d, std::uint32_t mark) {
-    const auto everywhere = [](const CompactTet* tet) {
-        return _mm_set1_epi32(static_cast<int>(tet->mark));
-    };
-    const __m128i marks = _mm_blend_epi32(_mm_blend_epi32(everywhere(a), everywhere(b), 2),
-                                          _mm_blend_epi32(everywhere(c), everywhere(d), 8), 12);
+    const __m128i marks = _mm_setr_epi32(static_cast<int>(a->mark), static_cast<int>(b->mark),
+                                         static_cast<int>(c->mark), static_cast<int>(d->mark));
     return static_cast<unsigned>(_mm_movemask_ps(
         _mm_castsi128_ps(_mm_cmpeq_epi32(marks, _mm_set1_epi32(static_cast<int>(mark))))));
 }
@@ -173,3 +170,26 @@ struct FacetsOfTet {
         appendChosen(inner, chosen, innerEnd);
     }
 };
+
+/// Byte shuffles from a tetrahedron's corners to those of its facets, and zero.
+alignas(16) inline constexpr std::uint8_t TO_FACET[4][16] = {
+    {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 128, 128, 128, 128},
+    {0, 1, 2, 3, 12, 13, 14, 15, 8, 9, 10, 11, 128, 128, 128, 128},
+    {0, 1, 2, 3, 4, 5, 6, 7, 12, 13, 14, 15, 128, 128, 128, 128},
+    {0, 1, 2, 3, 8, 9, 10, 11, 4, 5, 6, 7, 128, 128, 128, 128},
+};
+
+/// Lists the corners of a tetrahedron's facet as the tetrahedron has them.
+inline void listFacetCorners(const CompactTet& tet, unsigned facet, NewCorners& list) {
+    const __m128i all = _mm_loadu_si128(reinterpret_cast<const __m128i*>(tet.vertex));
+    const __m128i order = _mm_load_si128(reinterpret_cast<const __m128i*>(TO_FACET[facet]));
+    _mm_store_si128(reinterpret_cast<__m128i*>(list.vertex), _mm_shuffle_epi8(all, order));
+}
+
+/// Gives a new tetrahedron its corners 1 to 3, and no mark.
+inline void setCorners(CompactTet& tet, const NewCorners& corners) {
+    static_assert(offsetof(CompactTet, mark) == offsetof(CompactTet, vertex) + 16,
+                  "corners 1 to 3 and the mark are written at once");
+    _mm_store_si128(reinterpret_cast<__m128i*>(tet.vertex + 1),
+                    _mm_load_si128(reinterpret_cast<const __m128i*>(corners.vertex)));
+}

@@ -142,3 +142,14 @@ struct FacetsOfTet {
         }
     }
 };
+
+/// Lists the corners of a tetrahedron's facet as the tetrahedron has them.
+inline void listFacetCorners(const CompactTet& tet, unsigned facet, NewCorners& list) {
+    for (unsigned i = 0; i < 3; ++i) list.vertex[i] = tet.vertex[INNER_FACET[facet][i]];
+}
+
+/// Gives a new tetrahedron its corners 1 to 3, and no mark.
+inline void setCorners(CompactTet& tet, const NewCorners& corners) {
+    for (unsigned i = 0; i < 3; ++i) tet.vertex[i + 1] = corners.vertex[i];
+    tet.mark = 0;
+}
