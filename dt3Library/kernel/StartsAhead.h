@@ -30,7 +30,7 @@ class StartsAhead {
                 prefetchLine(state.mesh.vertices() + candidate);
         choose(vertex + AHEAD);
         beginAtStart(comingAt(vertex + 6));
-        goOneFacetFurther(comingAt(vertex + 4));
+        goAroundStart(comingAt(vertex + 4));
         goOneFacetFurther(comingAt(vertex + 2));
         goOneFacetFurther(comingAt(vertex + 1));
         return state.incident[comingAt(vertex).near];
@@ -39,11 +39,13 @@ class StartsAhead {
   private:
     static constexpr VertexNumber AHEAD = 9;
 
-    /// A vertex to come: its neighbour, and the outermost tetrahedra that have been fetched.
+    /// A vertex to come: its neighbour, and the outermost tetrahedra that have been fetched, by the
+    /// facets through which they were reached.
     struct Coming {
         VertexNumber near = AT_INFINITY;
+        Slot start = CompactMesh::DUMMY;
         unsigned numOutermost = 0;
-        std::array<Slot, 64> outermost;
+        std::array<FacetCode, 36> outermost;
     };
 
     Coming& comingAt(VertexNumber vertex) { return coming[vertex % coming.size()]; }
@@ -57,26 +59,39 @@ class StartsAhead {
     }
 
     void beginAtStart(Coming& vertex) const {
-        vertex.outermost[0] = state.incident[vertex.near];
-        vertex.numOutermost = 1;
-        prefetchLine(state.mesh.tets() + vertex.outermost[0]);
+        vertex.start = state.incident[vertex.near];
+        prefetchLine(state.mesh.tets() + vertex.start);
     }
 
+    void goAroundStart(Coming& vertex) const {
+        const CompactTet& tet = state.mesh.tets()[vertex.start];
+        for (unsigned i = 0; i < 4; ++i) {
+            goThrough(tet.link[i], vertex);
+            prefetchCorner(tet.vertex[i]);
+        }
+    }
+
+    /// Of a tetrahedron's corners only the one opposite the facet is new.
     void goOneFacetFurther(Coming& vertex) const {
-        const std::array<Slot, 64> fetched = vertex.outermost;
+        const std::array<FacetCode, 36> fetched = vertex.outermost;
         const unsigned numFetched = vertex.numOutermost;
         vertex.numOutermost = 0;
         for (unsigned i = 0; i < numFetched; ++i) {
-            const CompactTet& tet = state.mesh.tets()[fetched[i]];
-            for (const FacetCode link : tet.link) {
-                vertex.outermost[vertex.numOutermost++] = slotOf(link);
-                prefetchLine(state.mesh.tets() + slotOf(link));
-            }
-            for (const VertexNumber corner : tet.vertex) {
-                prefetchLine(state.mesh.vertices() + corner);
-                prefetchLine(state.incident.data() + corner);
-            }
+            const CompactTet& tet = state.mesh.tets()[slotOf(fetched[i])];
+            const unsigned entrance = facetOf(fetched[i]);
+            prefetchCorner(tet.vertex[entrance]);
+            for (unsigned k = 1; k < 4; ++k) goThrough(tet.link[(entrance + k) % 4], vertex);
         }
+    }
+
+    void goThrough(FacetCode link, Coming& vertex) const {
+        vertex.outermost[vertex.numOutermost++] = link;
+        prefetchLine(state.mesh.tets() + slotOf(link));
+    }
+
+    void prefetchCorner(VertexNumber corner) const {
+        prefetchLine(state.mesh.vertices() + corner);
+        prefetchLine(state.incident.data() + corner);
     }
 
     const BatchState& state;
