@@ -30,12 +30,6 @@ std::vector<Tet3*> tetsOf(const Varn_3D& mesh) {
     return tets;
 }
 
-std::vector<Tet3*> tetsOf(const Dt3& engine) {
-    std::vector<Tet3*> tets;
-    engine.getAllTetrahedra(tets);
-    return tets;
-}
-
 SortedMesh sortedMesh(const std::vector<Tet3*>& tets) {
     SortedMesh mesh(tets.size());
     for (std::size_t t = 0; t < tets.size(); ++t) {

@@ -17,7 +17,12 @@ inline Coordinates coordinatesOf(const VARN3D::Point3& p) {
 }
 
 std::vector<VARN3D::Tet3*> tetsOf(const VARN3D::Varn_3D& mesh);
-std::vector<VARN3D::Tet3*> tetsOf(const VARN3D::Dt3& engine);
+/// Inline, for hosts of a shared library can't link the engine.
+inline std::vector<VARN3D::Tet3*> tetsOf(const VARN3D::Dt3& engine) {
+    std::vector<VARN3D::Tet3*> tets;
+    engine.getAllTetrahedra(tets);
+    return tets;
+}
 
 /// Tetrahedra without the order of their corners and their own. Of points in general position there
 /// is only one such mesh.
