@@ -32,7 +32,6 @@ BatchInsertion::BatchInsertion(const GeomTest3& geomTest, const KernelSteps& ker
 
 Tet3* BatchInsertion::run(std::vector<Point3*>& vVertices, const Tet3* pStart) {
     points.assign(1, nullptr);
-    points.reserve(storeIndex.size() + 1);
     listMeshVertices();
     listNewVertices(vVertices);
     setUpState();
@@ -69,6 +68,7 @@ void BatchInsertion::prefetchAhead(std::size_t i) const {
 
 /// Takes the list's memory away.
 void BatchInsertion::listNewVertices(std::vector<Point3*>& vVertices) {
+    points.reserve(points.size() + vVertices.size());
     InsertionOrder order(vVertices.size());
     for (std::size_t position; order.next(position);) points.push_back(vVertices[position]);
     std::vector<Point3*>().swap(vVertices);
